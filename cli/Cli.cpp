@@ -1,0 +1,89 @@
+#include "cli/Cli.h"
+
+#include <QTextStream>
+#include <cstdio>
+
+#include "cli/Commands.h"
+
+namespace cli {
+
+namespace {
+
+// Global options that come before the command: "--ini FILE".
+QStringList StripGlobals(const QStringList& args, QString* ini, QString* error) {
+  QStringList rest = args;
+  while (!rest.isEmpty() && rest.first().startsWith(QStringLiteral("--ini"))) {
+    const QString a = rest.takeFirst();
+    if (a.startsWith(QStringLiteral("--ini="))) {
+      *ini = a.mid(6);
+    } else if (a == QStringLiteral("--ini") && !rest.isEmpty()) {
+      *ini = rest.takeFirst();
+    } else {
+      *error = QStringLiteral("option --ini needs a value");
+      break;
+    }
+  }
+  return rest;
+}
+
+void PrintHelp(QTextStream& out) {
+  out << "Usage: quorvane [--ini FILE] [--screenshot FILE [FOLDER]]\n"
+         "       quorvane [--ini FILE] COMMAND [OPTIONS] [ARGUMENTS]\n\n"
+         "Without a command the window opens. Commands:\n";
+  for (const Command& c : AllCommands())
+    out << "  " << QString::fromLatin1(c.name).leftJustified(10) << ' ' << c.usage << "\n      " << c.summary << '\n';
+  out << "\nGlobal options:\n"
+         "  --ini FILE          settings file to use instead of Quorvane.ini\n"
+         "  --screenshot FILE   open the window, save a PNG of it to FILE and exit\n"
+         "  --help, --version\n";
+}
+
+}  // namespace
+
+bool IsCliInvocation(const QStringList& args) {
+  QString ini, error;
+  const QStringList rest = StripGlobals(args, &ini, &error);
+  if (!error.isEmpty()) return true;
+  if (rest.isEmpty()) return false;
+  const QString& first = rest.first();
+  if (first == QStringLiteral("--screenshot")) return false;
+  return !first.startsWith(QStringLiteral("--")) || first == QStringLiteral("--help") ||
+         first == QStringLiteral("-h") || first == QStringLiteral("--version") || first.startsWith(u'-');
+}
+
+int RunCli(const QStringList& args) {
+  QTextStream out(stdout);
+  QTextStream err(stderr);
+  out.setEncoding(QStringConverter::Utf8);
+  err.setEncoding(QStringConverter::Utf8);
+
+  QString ini, error;
+  QStringList rest = StripGlobals(args, &ini, &error);
+  if (!error.isEmpty()) {
+    err << "quorvane: " << error << '\n';
+    return kExitUsage;
+  }
+  if (rest.isEmpty() || rest.first() == QStringLiteral("--help") || rest.first() == QStringLiteral("-h") ||
+      rest.first() == QStringLiteral("help")) {
+    PrintHelp(out);
+    return kExitOk;
+  }
+  if (rest.first() == QStringLiteral("--version")) {
+    out << "quorvane " << QUORVANE_VERSION << '\n';
+    return kExitOk;
+  }
+  const QString name = rest.takeFirst();
+  for (const Command& c : AllCommands()) {
+    if (name == QLatin1String(c.name)) {
+      CliContext ctx{rest, out, err, ini};
+      const int status = c.run(ctx);
+      out.flush();
+      err.flush();
+      return status;
+    }
+  }
+  err << "quorvane: unknown command '" << name << "' (see quorvane --help)\n";
+  return kExitUsage;
+}
+
+}  // namespace cli

@@ -1,0 +1,14 @@
+#pragma once
+#include <QStringList>
+
+namespace cli {
+
+// True when the arguments ask for the headless front end (a command, --help
+// or --version) rather than the window.
+bool IsCliInvocation(const QStringList& args);
+
+// Runs `quorvane [--ini FILE] COMMAND ...` (args without the program name)
+// and returns the exit status.
+int RunCli(const QStringList& args);
+
+}  // namespace cli

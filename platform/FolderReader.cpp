@@ -1,0 +1,149 @@
+#include "platform/FolderReader.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <linux/msdos_fs.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/vfs.h>
+#include <unistd.h>
+
+#include "platform/FileTime.h"
+#include "platform/NativePath.h"
+
+namespace platform {
+
+namespace {
+
+quint32 AttributesOf(const struct statx& st, const QString& name) {
+  quint32 a = 0;
+  const mode_t mode = st.stx_mode;
+  if (!(mode & S_IWUSR)) a |= kAttrReadOnly;
+  if (name.startsWith(u'.')) a |= kAttrHidden;
+  if (S_ISCHR(mode) || S_ISBLK(mode) || S_ISFIFO(mode) || S_ISSOCK(mode)) a |= kAttrSystem;
+  if (S_ISDIR(mode)) a |= kAttrDirectory;
+  if (S_ISREG(mode)) a |= kAttrArchive;
+  if (st.stx_attributes_mask & st.stx_attributes & STATX_ATTR_COMPRESSED) a |= kAttrCompressed;
+  if (a == 0) a = kAttrNormal;
+  return a;
+}
+
+// vfat keeps real DOS attributes; they replace the mapped ones.
+quint32 VfatAttributes(int dirFd, const QByteArray& native, quint32 mapped) {
+  const int fd = openat(dirFd, native.constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+  if (fd < 0) return mapped;
+  __u32 dos = 0;
+  const bool ok = ioctl(fd, FAT_IOCTL_GET_ATTRIBUTES, &dos) == 0;
+  close(fd);
+  if (!ok) return mapped;
+  quint32 a = dos & (kAttrReadOnly | kAttrHidden | kAttrSystem | kAttrDirectory | kAttrArchive);
+  return a == 0 ? kAttrNormal : a;
+}
+
+bool StatAt(int dirFd, const QString& name, const QByteArray& native, bool vfat, DirEntry* out) {
+  struct statx st {};
+  const unsigned mask = STATX_BASIC_STATS | STATX_BTIME;
+  if (statx(dirFd, native.constData(), AT_SYMLINK_NOFOLLOW | AT_STATX_DONT_SYNC, mask, &st) != 0) return false;
+  const bool link = S_ISLNK(st.stx_mode);
+  if (link) {
+    struct statx target {};
+    // A link shows its target's data; a dangling one keeps its own.
+    if (statx(dirFd, native.constData(), AT_STATX_DONT_SYNC, mask, &target) == 0) st = target;
+  }
+  out->name = name;
+  out->isLink = link;
+  out->size = S_ISDIR(st.stx_mode) ? 0 : st.stx_size;
+  out->attributes = AttributesOf(st, name);
+  if (vfat) out->attributes = VfatAttributes(dirFd, native, out->attributes);
+  out->creationTime = (st.stx_mask & STATX_BTIME) ? FileTimeFromUnix(st.stx_btime.tv_sec, st.stx_btime.tv_nsec) : 0;
+  out->lastAccessTime = FileTimeFromUnix(st.stx_atime.tv_sec, st.stx_atime.tv_nsec);
+  out->lastWriteTime = FileTimeFromUnix(st.stx_mtime.tv_sec, st.stx_mtime.tv_nsec);
+  return true;
+}
+
+const QString kEmpty;
+
+}  // namespace
+
+FolderReader::FolderReader(const QString& folder) {
+  const QByteArray native = ToNative(folder.isEmpty() ? QStringLiteral(".") : folder);
+  fd_ = open(native.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd_ < 0) return;
+  struct statfs fs {};
+  vfat_ = fstatfs(fd_, &fs) == 0 && fs.f_type == MSDOS_SUPER_MAGIC;
+  if (vfat_) readVfat();
+  if (!vfat_) readPlain();
+}
+
+FolderReader::~FolderReader() {
+  if (fd_ >= 0) close(fd_);
+}
+
+void FolderReader::readPlain() {
+  const int dupFd = dup(fd_);
+  if (dupFd < 0) return;
+  DIR* dir = fdopendir(dupFd);
+  if (!dir) {
+    close(dupFd);
+    return;
+  }
+  while (const struct dirent* d = readdir(dir)) {
+    names_.push_back(FromNative(d->d_name, qsizetype(strlen(d->d_name))));
+    types_.push_back(d->d_type);
+  }
+  closedir(dir);
+}
+
+void FolderReader::readVfat() {
+  struct __fat_dirent both[2];
+  for (;;) {
+    const int r = ioctl(fd_, VFAT_IOCTL_READDIR_BOTH, both);
+    if (r < 0) {
+      if (names_.empty()) vfat_ = false;  // not supported after all: read plainly
+      return;
+    }
+    if (r == 0) return;
+    const QString shortName = FromNative(both[0].d_name, both[0].d_reclen);
+    if (both[1].d_reclen > 0) {
+      const QString longName = FromNative(both[1].d_name, both[1].d_reclen);
+      names_.push_back(longName);
+      aliases_.push_back(longName.compare(shortName, Qt::CaseInsensitive) == 0 ? QString() : shortName);
+    } else {
+      names_.push_back(shortName);
+      aliases_.push_back(QString());
+    }
+    types_.push_back(DT_UNKNOWN);
+  }
+}
+
+const QString& FolderReader::alias(qsizetype i) const {
+  return aliases_.empty() ? kEmpty : aliases_[size_t(i)];
+}
+
+bool FolderReader::isWalkableFolder(qsizetype i) const {
+  const unsigned char t = types_[size_t(i)];
+  if (t == DT_DIR) return true;
+  if (t != DT_UNKNOWN) return false;
+  struct statx st {};
+  const QByteArray native = ToNative(names_[size_t(i)]);
+  return statx(fd_, native.constData(), AT_SYMLINK_NOFOLLOW | AT_STATX_DONT_SYNC, STATX_TYPE, &st) == 0 &&
+         S_ISDIR(st.stx_mode);
+}
+
+bool FolderReader::stat(qsizetype i, DirEntry* out) const {
+  const QString& n = names_[size_t(i)];
+  if (!StatAt(fd_, n, ToNative(n), vfat_, out)) return false;
+  out->alias = alias(i);
+  return true;
+}
+
+bool StatPath(const QString& path, DirEntry* out) {
+  const qsizetype cut = path.lastIndexOf(kSeparator, path.size() > 1 && path.endsWith(kSeparator) ? -2 : -1);
+  QString name = cut >= 0 ? path.mid(cut + 1) : path;
+  if (name.endsWith(kSeparator)) name.chop(1);
+  if (!StatAt(AT_FDCWD, name, ToNative(path), false, out)) return false;
+  out->alias.clear();
+  return true;
+}
+
+}  // namespace platform

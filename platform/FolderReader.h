@@ -1,0 +1,43 @@
+#pragma once
+#include <QString>
+#include <vector>
+
+#include "platform/DirEntry.h"
+
+namespace platform {
+
+// Reads a folder's names once (in the order the file system returns them,
+// "." and ".." included) and stats single entries on request, relative to the
+// open folder, so that callers stat only the names they need.
+class FolderReader {
+ public:
+  explicit FolderReader(const QString& folder);
+  ~FolderReader();
+  FolderReader(const FolderReader&) = delete;
+  FolderReader& operator=(const FolderReader&) = delete;
+
+  bool isOpen() const { return fd_ >= 0; }
+  qsizetype count() const { return qsizetype(names_.size()); }
+  const QString& name(qsizetype i) const { return names_[size_t(i)]; }
+  const QString& alias(qsizetype i) const;
+
+  // A directory that a walk may enter: a real folder, never a link to one.
+  bool isWalkableFolder(qsizetype i) const;
+  // Fills `out` with the entry's data; false if it vanished meanwhile.
+  bool stat(qsizetype i, DirEntry* out) const;
+
+ private:
+  void readPlain();
+  void readVfat();
+
+  int fd_ = -1;
+  bool vfat_ = false;
+  std::vector<QString> names_;
+  std::vector<QString> aliases_;     // only on file systems with short names
+  std::vector<unsigned char> types_;  // dirent d_type
+};
+
+// Data of one path (following a final link; a dangling link gives its own).
+bool StatPath(const QString& path, DirEntry* out);
+
+}  // namespace platform
