@@ -16,12 +16,33 @@ class JobFlags {
   // For engines that take the flag by reference.
   static const std::atomic<bool>& AbortFlag() { return abort_; }
 
+  // For fills that clear the flag themselves when they start.
+  static std::atomic<bool>* AbortPointer() { return &abort_; }
+
   static void SetBusy(bool busy) { busy_.store(busy, std::memory_order_relaxed); }
   static bool Busy() { return busy_.load(std::memory_order_relaxed); }
+
+  // The second cancel flag: Escape and a close request raise it together with
+  // the abort flag (RequestStop); jobs that run their own loops poll it.
+  static void RequestCancel() { cancel_.store(true, std::memory_order_relaxed); }
+  static void ClearCancel() { cancel_.store(false, std::memory_order_relaxed); }
+  static bool CancelRequested() { return cancel_.load(std::memory_order_relaxed); }
+  static void RequestStop() {
+    RequestAbort();
+    RequestCancel();
+  }
+
+  // How the last job was stopped: 0 not stopped, 1 by the user (Escape),
+  // 2 because the main window wants to close.
+  enum State : int { kNotStopped = 0, kStoppedByUser = 1, kStoppedForClose = 2 };
+  static void SetJobState(int state) { state_.store(state, std::memory_order_relaxed); }
+  static int JobState() { return state_.load(std::memory_order_relaxed); }
 
  private:
   static inline std::atomic<bool> abort_{false};
   static inline std::atomic<bool> busy_{false};
+  static inline std::atomic<bool> cancel_{false};
+  static inline std::atomic<int> state_{kNotStopped};
 };
 
 }  // namespace core
