@@ -43,8 +43,8 @@ class ColumnLayout {
   QString columnOrder() const;
   void setColumnOrder(QStringView order);
 
-  // One character per column in definition order, "1" shown; longer masks are fine,
-  // missing characters leave the column shown.
+  // One character per column in definition order, "1" shown, anything else
+  // (or a missing character) hidden; longer masks are fine.
   void setVisibility(QStringView mask);
   QString visibility() const;
   void setVisible(int index, bool visible);
