@@ -44,7 +44,9 @@ void BrowseFlow::BrowseTick() {
 
 void BrowseFlow::FillCurrent() {
   previous_ = current_;
-  Q_EMIT FillRequested(current_);
+  // A copy: the fill yields, and a selection made meanwhile changes current_.
+  const QString folder = current_;
+  Q_EMIT FillRequested(folder);
 }
 
 void BrowseFlow::FileSelected(const QString& path, bool immediate) {
@@ -57,7 +59,7 @@ void BrowseFlow::FileSelected(const QString& path, bool immediate) {
   fileImmediate_ = immediate;
   tmrVersionDelay->stop();
   if (immediate)
-    Q_EMIT RefreshInfo(file_);
+    Q_EMIT RefreshInfo(path);
   else
     tmrVersionDelay->start(kDelayMs);
 }
@@ -65,7 +67,8 @@ void BrowseFlow::FileSelected(const QString& path, bool immediate) {
 void BrowseFlow::VersionTick() {
   if (KeyHeld()) return;
   tmrVersionDelay->stop();
-  Q_EMIT RefreshInfo(file_);
+  const QString file = file_;
+  Q_EMIT RefreshInfo(file);
 }
 
 }  // namespace browser
