@@ -32,16 +32,14 @@ echo "corpus: $(ls -A "$corpus" | wc -l) entries in $corpus"
 ini="$work/none/Quorvane.ini"  # absent: defaults, and a screenshot run writes none
 shot="$work/shot.png"
 run_cmd="$exe --ini $ini --screenshot $shot $corpus"
-bench() {
-  hyperfine --style basic --warmup 2 --runs "$runs" --export-json "$work/times.json" \
-    -n quorvane "$run_cmd" -n "ls -l" "ls -l $corpus >/dev/null"
-}
+cat >"$work/bench.sh" <<INNER
+hyperfine --style basic --warmup 2 --runs $runs --export-json "$work/times.json" \\
+  -n quorvane "$run_cmd" -n "ls -l" "ls -l $corpus >/dev/null"
+INNER
 if [[ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]]; then
-  bench
+  bash "$work/bench.sh"
 else
-  export -f bench
-  export runs work run_cmd corpus
-  xvfb-run -a -s "-screen 0 1280x900x24" bash -c bench
+  xvfb-run -a -s "-screen 0 1280x900x24" bash "$work/bench.sh"
 fi
 awk 'BEGIN { RS = "\"command\""; }
   NR > 1 { match($0, /"mean": *[0-9.e-]+/); m = substr($0, RSTART, RLENGTH); sub(/.*: */, "", m);

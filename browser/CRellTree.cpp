@@ -5,7 +5,9 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QElapsedTimer>
 #include <QSet>
+#include <QTimer>
 
 #include "browser/IconTheme.h"
 #include "browser/SubfolderReader.h"
@@ -33,8 +35,29 @@ CRellTree::CRellTree(QWidget* parent) : QTreeWidget(parent) {
           [this](QTreeWidgetItem* current, QTreeWidgetItem*) { OnCurrentChanged(current); });
   connect(this, &QTreeWidget::itemExpanded, this, &CRellTree::OnExpanded);
   connect(this, &QTreeWidget::itemCollapsed, this, &CRellTree::OnCollapsed);
+  tmrProbe = new QTimer(this);
+  tmrProbe->setObjectName(QStringLiteral("tmrProbe"));
+  tmrProbe->setSingleShot(true);
+  tmrProbe->setInterval(0);
+  connect(tmrProbe, &QTimer::timeout, this, &CRellTree::ProbeSome);
   setStyles(kDefaultStyles);
 }
+
+void CRellTree::ProbeSome() {
+  QElapsedTimer slice;
+  slice.start();
+  while (!probes_.isEmpty() && slice.elapsed() < kProbeSliceMs) {
+    const QPersistentModelIndex index = probes_.takeFirst();
+    QTreeWidgetItem* item = index.isValid() ? itemFromIndex(index) : nullptr;
+    // Removed meanwhile, or opened (and so read) before its turn came.
+    if (!item || item->data(0, kReadRole).toBool()) continue;
+    if (!SubfolderReader::HasAny(item->data(0, kPathRole).toString()))
+      item->setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicatorWhenChildless);
+  }
+  if (!probes_.isEmpty()) tmrProbe->start();
+}
+
+bool CRellTree::probing() const { return !probes_.isEmpty(); }
 
 void CRellTree::LoadVolumes() {
   quiet_ = true;
@@ -119,15 +142,13 @@ void CRellTree::Read(QTreeWidgetItem* item) {
   const QStringList names = SubfolderReader::List(path);
   QList<QTreeWidgetItem*> children;
   children.reserve(names.size());
-  for (const QString& name : names) {
-    const QString childPath = path + name + u'/';
-    QTreeWidgetItem* child = MakeFolderItem(name, childPath);
-    if (names.size() <= kProbeLimit && !SubfolderReader::HasAny(childPath))
-      child->setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicatorWhenChildless);
-    children.append(child);
-  }
+  for (const QString& name : names) children.append(MakeFolderItem(name, path + name + u'/'));
   item->addChildren(children);
   item->setChildIndicatorPolicy(QTreeWidgetItem::DontShowIndicatorWhenChildless);
+  if (names.size() <= kProbeLimit) {
+    for (QTreeWidgetItem* child : children) probes_.append(QPersistentModelIndex(indexFromItem(child)));
+    if (!tmrProbe->isActive()) tmrProbe->start();
+  }
 }
 
 QTreeWidgetItem* CRellTree::ChildNamed(QTreeWidgetItem* item, const QString& name) const {
@@ -206,7 +227,7 @@ bool CRellTree::SelectPath(const QString& folderIn) {
   quiet_ = true;
   setCurrentItem(item);
   quiet_ = false;
-  scrollToItem(item);
+  scrollToItem(item, QAbstractItemView::PositionAtCenter);
   Q_EMIT FolderSelected(folder, false);
   return true;
 }

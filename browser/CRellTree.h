@@ -1,6 +1,10 @@
 #pragma once
+#include <QList>
+#include <QPersistentModelIndex>
 #include <QString>
 #include <QTreeWidget>
+
+class QTimer;
 
 namespace browser {
 
@@ -15,9 +19,11 @@ class CRellTree : public QTreeWidget {
   // The Style Tree options, as bits in menu order.
   enum StyleOption : int { kShowIcons = 1, kShowPlusMinus = 2, kShowLines = 4 };
   static constexpr int kDefaultStyles = kShowIcons | kShowPlusMinus | kShowLines;
-  // Children are probed for subfolders when a node opens with at most this
-  // many; larger folders show the expander until opened.
-  static constexpr int kProbeLimit = 100;
+  // When a node is read, its children (up to this many) are probed for
+  // subfolders in the background, in slices that leave input flowing, so
+  // that leaves lose their expander; the rest keep it until opened.
+  static constexpr int kProbeLimit = 500;
+  static constexpr int kProbeSliceMs = 8;
 
   explicit CRellTree(QWidget* parent = nullptr);
 
@@ -34,6 +40,9 @@ class CRellTree : public QTreeWidget {
   QString CurrentPath() const;
   // The node of a path, or null when it is not in the tree (yet).
   QTreeWidgetItem* ItemOf(const QString& folder) const;
+
+  // Whether background probes are still pending.
+  bool probing() const;
 
   int styles() const { return styles_; }
   void setStyles(int bits);
@@ -60,9 +69,12 @@ class CRellTree : public QTreeWidget {
   QIcon FolderIcon(const QString& path, bool open) const;
   void ApplyIcon(QTreeWidgetItem* item) const;
   void OnCurrentChanged(QTreeWidgetItem* current);
+  void ProbeSome();
   void OnExpanded(QTreeWidgetItem* item);
   void OnCollapsed(QTreeWidgetItem* item);
 
+  QTimer* tmrProbe = nullptr;
+  QList<QPersistentModelIndex> probes_;
   QTreeWidgetItem* computer_ = nullptr;
   QString home_;
   int styles_ = kDefaultStyles;

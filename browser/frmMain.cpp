@@ -401,12 +401,19 @@ void frmMain::ShowTreePopup(const QString& path, const QPoint& globalPos) {
 // ---- keys and closing ----
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {
-  if (event->type() == QEvent::KeyPress && watched->isWidgetType() &&
-      static_cast<QWidget*>(watched)->window() == this &&
-      static_cast<QKeyEvent*>(event)->key() == Qt::Key_Escape) {
+  if (event->type() != QEvent::KeyPress || !watched->isWidgetType() || static_cast<QWidget*>(watched)->window() != this)
+    return QMainWindow::eventFilter(watched, event);
+  const auto* key = static_cast<QKeyEvent*>(event);
+  if (key->key() == Qt::Key_Escape) {
     // Only asks running jobs to stop; the key goes on to the control.
     core::JobFlags::RequestStop();
     core::JobFlags::SetJobState(core::JobFlags::kStoppedByUser);
+  } else if ((key->modifiers() & (Qt::AltModifier | Qt::ControlModifier | Qt::ShiftModifier)) == Qt::AltModifier &&
+             (key->key() == Qt::Key_Left || key->key() == Qt::Key_Right)) {
+    // History, also where the menu's shortcut is not in force; the tree and
+    // the list never see it as a plain arrow.
+    (key->key() == Qt::Key_Left ? menus_->menHistBack : menus_->menHistForward)->trigger();
+    return true;
   }
   return QMainWindow::eventFilter(watched, event);
 }

@@ -180,7 +180,8 @@ class MainWindowTest : public QObject {
       QVERIFY(JobFlags::Busy());
       const auto before = win.fills.size();
       tree->scrollToItem(small);
-      QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, tree->visualItemRect(small).center());
+      const QRect r = tree->visualItemRect(small);
+      QTest::mouseClick(tree->viewport(), Qt::LeftButton, {}, QPoint(r.left() + 8, r.center().y()));
       clicked = true;
       timerArmed = win.w.flow()->browseTimer()->isActive();
       filledAtOnce = win.fills.size() != before;
