@@ -74,7 +74,7 @@ int TypedCompare(const RowStore& rows, const FileRow& a, const FileRow& b, int s
       return Cmp64(AttributeOrder(a.attributes), AttributeOrder(b.attributes));
     case core::kSlotPath:
       if (a.folder == b.folder) return 0;
-      return CompareText(rows.folder(a.folder), rows.folder(b.folder), true) < 0 ? -1 : 1;
+      return Sign(CompareText(rows.folder(a.folder), rows.folder(b.folder), true));
     default:
       if (!IsStampSlot(slot)) return 0;
       if (marked && Folder(a) != Folder(b)) return Folder(a) ? 1 : -1;  // "9" after "8"
