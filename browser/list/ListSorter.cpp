@@ -22,16 +22,32 @@ struct Elem {
 int Sign(int v) { return v < 0 ? -1 : v > 0 ? 1 : 0; }
 int Cmp64(quint64 a, quint64 b) { return a < b ? -1 : a > b ? 1 : 0; }
 
-// Up to four UTF-16 units, the fourth cut to `lastBits` bits, packed so that
-// integer order is the order of the texts (padding 0 sorts before any unit).
-quint64 PackUnits(QStringView s, int firstShift) {
+// The first code units of a text packed into `bits` bits so that integer
+// order follows the text's code-unit order: units below 0xFF take one byte,
+// others 0xFF and the 16-bit unit (a monotone, prefix-free code), cut at the
+// last bit; the end pads with zeros, which sorts before any continuation.
+quint64 PackUnits(QStringView s, int bits) {
   quint64 v = 0;
-  int shift = firstShift;
-  for (qsizetype i = 0; i < s.size() && shift > -16; ++i, shift -= 16) {
-    const quint64 unit = s.utf16()[i];
-    v |= shift >= 0 ? unit << shift : unit >> -shift;
+  int left = bits;
+  auto put = [&](quint64 code, int n) {
+    if (n <= left) {
+      v = (v << n) | code;
+      left -= n;
+    } else {
+      v = (v << left) | (code >> (n - left));
+      left = 0;
+    }
+  };
+  const char16_t* u = s.utf16();
+  for (qsizetype i = 0; i < s.size() && left > 0; ++i) {
+    if (u[i] < 0xFF) {
+      put(u[i], 8);
+    } else {
+      put(0xFF, 8);
+      if (left > 0) put(u[i], 16);
+    }
   }
-  return v;
+  return left >= 64 ? 0 : v << left;
 }
 
 quint64 Stamp(const FileRow& r, int slot) {
@@ -135,9 +151,9 @@ class SlotComparer {
     switch (slot_) {
       case core::kSlotName: {
         const quint64 group = marked_ && !Folder(r) ? 1ull << 63 : 0;
-        return group | PackUnits(rows_.folded(r), 47);
+        return group | PackUnits(rows_.folded(r), 63);
       }
-      case core::kSlotExt: return PackUnits(rows_.extension(r), 48);
+      case core::kSlotExt: return PackUnits(rows_.extension(r), 64);
       case core::kSlotType: return rank_[r.type];
       case core::kSlotPath: return rank_[r.folder];
       case core::kSlotAttr: return AttributeOrder(r.attributes);
