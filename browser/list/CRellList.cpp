@@ -317,7 +317,9 @@ void CRellList::paintEvent(QPaintEvent*) {
           if (it == iconCache.end()) {
             QIcon icon = QIcon::fromTheme(key);
             if (icon.isNull())
-              icon = style()->standardIcon(model_.isFolder(id) ? QStyle::SP_DirIcon : QStyle::SP_FileIcon);
+              icon = style()->standardIcon(IsTextRow(id)          ? QStyle::SP_DriveHDIcon
+                                           : model_.isFolder(id) ? QStyle::SP_DirIcon
+                                                                 : QStyle::SP_FileIcon);
             it = iconCache.insert(key, icon);
           }
           it->paint(&p, QRect(textRect.x(), y + (rowHeight_ - kIconSize) / 2, kIconSize, kIconSize));

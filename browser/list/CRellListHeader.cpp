@@ -67,13 +67,23 @@ void CRellListHeader::paintEvent(QPaintEvent*) {
     QStyleOptionHeader o;
     o.initFrom(this);
     o.rect = QRect(x, 0, w, height());
-    o.text = c.caption;
-    o.textAlignment = c.rightAligned ? Qt::AlignRight | Qt::AlignVCenter : Qt::AlignLeft | Qt::AlignVCenter;
     o.section = int(i);
-    if (columns[i] == model.sortColumn() && model.rowCount() > 0)
-      o.sortIndicator = model.sortDescending() ? QStyleOptionHeader::SortDown : QStyleOptionHeader::SortUp;
+    o.orientation = Qt::Horizontal;
+    o.position = QStyleOptionHeader::Middle;
     if (int(i) == pressed_ && !dragging_) o.state |= QStyle::State_Sunken;
-    style()->drawControl(QStyle::CE_Header, &o, &p, this);
+    style()->drawControl(QStyle::CE_HeaderSection, &o, &p, this);
+    QRect text = o.rect.adjusted(4, 0, -4, 0);
+    if (columns[i] == model.sortColumn() && model.rowCount() > 0) {
+      // The sort arrow sits at the right end; the caption keeps the rest.
+      QStyleOptionHeader arrow = o;
+      arrow.sortIndicator = model.sortDescending() ? QStyleOptionHeader::SortDown : QStyleOptionHeader::SortUp;
+      arrow.rect = QRect(o.rect.right() - 12, o.rect.center().y() - 3, 8, 7);
+      style()->drawPrimitive(QStyle::PE_IndicatorHeaderArrow, &arrow, &p, this);
+      text.setRight(text.right() - 12);
+    }
+    p.setPen(palette().color(QPalette::ButtonText));
+    const Qt::Alignment align = (c.rightAligned ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter;
+    p.drawText(text, align, fontMetrics().elidedText(c.caption, Qt::ElideRight, text.width()));
     x += w;
   }
 }
