@@ -164,8 +164,14 @@ void ListModel::appendDataText(QString* out, RowId id, int dataIndex) const {
   }
   const RowStore::FileRow& r = rows_.file(id);
   switch (dataIndex) {
-    case core::kSlotName: AppendDisplay(out, rows_.name(r)); break;
-    case core::kSlotExt: AppendDisplay(out, rows_.extension(r)); break;
+    case core::kSlotName:
+      if (r.flags & RowStore::kEscaped) AppendDisplay(out, rows_.name(r));
+      else out->append(rows_.name(r));
+      break;
+    case core::kSlotExt:
+      if (r.flags & RowStore::kEscaped) AppendDisplay(out, rows_.extension(r));
+      else out->append(rows_.extension(r));
+      break;
     case core::kSlotSize: out->append(core::FormatSize(double(r.size), sizeFormat_, clusterSize_)); break;
     case core::kSlotType: out->append(rows_.type(r.type).name); break;
     case core::kSlotCreated:

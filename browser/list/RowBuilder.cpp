@@ -1,5 +1,6 @@
 #include "browser/list/RowBuilder.h"
 
+#include <QHash>
 #include <QMimeDatabase>
 
 #include "browser/list/FoldCase.h"
@@ -9,10 +10,18 @@ namespace browser {
 
 namespace {
 
+// Comments and icon names are read from the MIME database's files; each
+// MIME type is asked once per process.
 RowBuilder::TypeName FromMime(const QMimeType& mime) {
+  static QHash<QString, RowBuilder::TypeName> known;
+  const QString name = mime.name();
+  const auto it = known.constFind(name);
+  if (it != known.constEnd()) return *it;
   QString icon = mime.iconName();
   if (icon.isEmpty()) icon = mime.genericIconName();
-  return {mime.comment(), icon};
+  const RowBuilder::TypeName t{mime.comment(), icon};
+  known.insert(name, t);
+  return t;
 }
 
 }  // namespace
