@@ -108,6 +108,7 @@ class CRellList : public QAbstractScrollArea {
   void dropEvent(QDropEvent* event) override;
   void scrollContentsBy(int dx, int dy) override;
   bool viewportEvent(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   friend class CRellListHeader;

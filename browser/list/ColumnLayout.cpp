@@ -136,7 +136,7 @@ void ColumnLayout::setColumnOrder(QStringView order) {
       hasWidth = true;
     }
     QString wanted = Trimmed(name).toString();
-    if (wanted.isEmpty() && position < count()) wanted = columns_[size_t(position)].caption;
+    if (hasWidth && wanted.isEmpty() && position < count()) wanted = columns_[size_t(position)].caption;
     ++position;
     for (int i = 0; i < count(); ++i) {
       if (placed[size_t(i)] || columns_[size_t(i)].caption.compare(wanted, Qt::CaseInsensitive) != 0) continue;

@@ -64,7 +64,10 @@ RowId RowStore::addFile(const platform::DirEntry& entry, quint32 folder, quint16
   r.folder = folder;
   r.attributes = quint16(entry.attributes);
   r.type = type;
-  r.flags = (entry.isDirectory() ? kFolder : 0) | (marked ? kMarked : 0) | (entry.isLink ? kLink : 0);
+  bool escaped = false;  // bytes that were not UTF-8, shown as U+FFFD
+  for (QChar c : name) escaped = escaped || (c.unicode() >= 0xDC80 && c.unicode() <= 0xDCFF);
+  r.flags = (entry.isDirectory() ? kFolder : 0) | (marked ? kMarked : 0) | (entry.isLink ? kLink : 0) |
+            (escaped ? kEscaped : 0);
   files_.push_back(r);
   return RowId(files_.size() - 1);
 }

@@ -49,7 +49,7 @@ class RowStore {
     quint16 type;      // interned type number
     quint8 flags;
   };
-  enum FileFlag : quint8 { kSelected = 1, kFolder = 2, kMarked = 4, kLink = 8 };
+  enum FileFlag : quint8 { kSelected = 1, kFolder = 2, kMarked = 4, kLink = 8, kEscaped = 16 };
 
   struct TypeInfo {
     QString name;
