@@ -5,6 +5,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QPainter>
+#include <QScrollBar>
 #include <QElapsedTimer>
 #include <QSet>
 #include <QTimer>
@@ -228,6 +229,7 @@ bool CRellTree::SelectPath(const QString& folderIn) {
   setCurrentItem(item);
   quiet_ = false;
   scrollToItem(item, QAbstractItemView::PositionAtCenter);
+  horizontalScrollBar()->setValue(0);  // names start at the left; a long one elsewhere must not shift the view
   Q_EMIT FolderSelected(folder, false);
   return true;
 }

@@ -307,9 +307,7 @@ void frmMain::RunFill(int mode, const QString& folder) {
   listFolder_ = folder;
   history_.Visit(folder.isEmpty() ? QString() : folder);
   UpdateHistoryMenu();
-  ShowFolderInfo(folder);
-  if (result == FillResult::kUnreadable)
-    status_->ShowStatus(QStringLiteral("Cannot read the folder ") + platform::DisplayText(folder));
+  ShowFolderInfo(folder);  // an unreadable folder is reported by the list itself
   Q_EMIT ListFilled(folder, result == FillResult::kAborted);
 }
 
