@@ -217,7 +217,9 @@ bool CRellTree::SelectPath(const QString& folderIn) {
       path += part + u'/';
       QTreeWidgetItem* child = ChildNamed(item, part);
       if (!child) {
-        // Not listed (a linked folder, or made since): show it all the same.
+        // Not listed: a linked folder or one made since is shown all the
+        // same; a folder that is not there cannot be selected.
+        if (!SubfolderReader::IsFolder(path)) return false;
         child = MakeFolderItem(part, path);
         InsertSorted(item, child);
       }

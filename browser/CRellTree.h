@@ -31,7 +31,7 @@ class CRellTree : public QTreeWidget {
   void LoadVolumes();
   // Opens the tree down to `folder` (ending in "/"; empty for the drives),
   // selects it and raises FolderSelected(folder, false). False when the path
-  // lies on no volume.
+  // lies on no volume or is not a folder.
   bool SelectPath(const QString& folder);
   // Reads the subfolders of `folder` again if it has been read, keeping the
   // nodes (and their open state) of the folders that are still there.

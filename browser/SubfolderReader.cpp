@@ -27,6 +27,11 @@ QStringList SubfolderReader::List(const QString& folder) {
   return out;
 }
 
+bool SubfolderReader::IsFolder(const QString& path) {
+  platform::DirEntry entry;
+  return platform::StatPath(path, &entry) && entry.isDirectory();
+}
+
 bool SubfolderReader::HasAny(const QString& folder) {
   platform::FolderReader reader(folder);
   if (!reader.isOpen()) return false;

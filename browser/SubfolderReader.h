@@ -12,6 +12,8 @@ class SubfolderReader {
  public:
   static QStringList List(const QString& folder);
   static bool HasAny(const QString& folder);
+  // Whether the path names a folder (following links, unlike List).
+  static bool IsFolder(const QString& path);
   // The order of the tree's children.
   static bool Before(const QString& a, const QString& b);
 };

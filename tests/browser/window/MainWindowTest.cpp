@@ -24,6 +24,7 @@
 #include "core/JobFlags.h"
 #include "core/ListModes.h"
 #include "platform/FolderReader.h"
+#include "platform/NativePath.h"
 #include "tests/TestSupport.h"
 
 using browser::frmMain;
@@ -66,6 +67,7 @@ class MainWindowTest : public QObject {
   QTemporaryDir dir_;
   QString root_;   // fixture folders
   QString many_;   // twenty sibling folders
+  QString wide_;   // two hundred
   QString big_;    // a folder whose fill takes a while
   QString ini_;
 
@@ -76,6 +78,8 @@ class MainWindowTest : public QObject {
     root_ = dir_.path() + QStringLiteral("/root/");
     many_ = root_ + QStringLiteral("many/");
     big_ = root_ + QStringLiteral("big/");
+    wide_ = root_ + QStringLiteral("wide/");
+    for (int i = 0; i < 200; ++i) QVERIFY(testsupport::MakeFolder(wide_ + QStringLiteral("w%1").arg(i, 3, 10, QLatin1Char('0'))));
     for (int i = 0; i < 20; ++i) {
       QVERIFY(testsupport::MakeFolder(many_ + QStringLiteral("d%1").arg(i, 2, 10, QLatin1Char('0'))));
       QVERIFY(testsupport::MakeFile(many_ + QStringLiteral("d%1/f.txt").arg(i, 2, 10, QLatin1Char('0')), "x"));
@@ -124,24 +128,34 @@ class MainWindowTest : public QObject {
     QVERIFY(!win.w.tabs()->HasPage(browser::CTabCtrl::kTabVersion));
   }
 
+  void heldArrowFillsOnceForTheLastFolder_data() {
+    QTest::addColumn<int>("count");
+    QTest::newRow("20 folders") << 20;
+    QTest::newRow("200 folders") << 200;
+  }
   void heldArrowFillsOnceForTheLastFolder() {
-    Window win(ini_, many_ + QStringLiteral("d00"));
+    QFETCH(int, count);
+    const QString parent = count == 20 ? many_ : wide_;
+    auto name = [&](int i) {
+      return (count == 20 ? QStringLiteral("d") : QStringLiteral("w")) + QStringLiteral("%1").arg(i, count == 20 ? 2 : 3, 10, QLatin1Char('0'));
+    };
+    Window win(ini_, parent + name(0));
     QTRY_COMPARE(win.fills.size(), 1);
     browser::CRellTree* tree = win.w.tree();
     tree->setFocus();
-    for (int i = 1; i < 20; ++i) {
+    for (int i = 1; i < count; ++i) {
       QTest::keyPress(tree, Qt::Key_Down);  // auto-repeat: presses without releases
-      QTest::qWait(3);
+      QTest::qWait(2);
     }
-    QCOMPARE(tree->CurrentPath(), many_ + QStringLiteral("d19/"));
+    QCOMPARE(tree->CurrentPath(), parent + name(count - 1) + u'/');
     QTest::qWait(6 * browser::BrowseFlow::kDelayMs);
     QCOMPARE(win.fills.size(), 1);
     QTest::keyRelease(tree, Qt::Key_Down);
     QTRY_COMPARE(win.fills.size(), 2);
     QTest::qWait(4 * browser::BrowseFlow::kDelayMs);
     QCOMPARE(win.fills.size(), 2);
-    QCOMPARE(win.fills[1].folder, many_ + QStringLiteral("d19/"));
-    QCOMPARE(win.w.list()->model().rowCount(), 1);
+    QCOMPARE(win.fills[1].folder, parent + name(count - 1) + u'/');
+    QVERIFY(!win.fills[1].aborted);
   }
 
   void modifierHeldAtTheTick_data() {
@@ -403,6 +417,20 @@ class MainWindowTest : public QObject {
     QCOMPARE(again.w.tree()->styles(), 3);
     QCOMPARE(again.w.list()->styles(), 23 | 8);
     QCOMPARE(again.w.tabs()->currentIndex(), int(browser::CTabCtrl::kTabPreview));
+  }
+
+  void aVanishedStartFolderFallsBackToHome() {
+    const QString gone = dir_.path() + QStringLiteral("/gone/");
+    QVERIFY(testsupport::MakeFolder(gone));
+    {
+      Window win(ini_, gone);
+      QTRY_COMPARE(win.fills.size(), 1);
+      QVERIFY(win.w.close());
+    }
+    QVERIFY(QDir(gone).removeRecursively());
+    Window again(ini_);
+    QTRY_COMPARE(again.fills.size(), 1);
+    QCOMPARE(again.fills[0].folder, platform::WithSeparator(QDir::homePath()));
   }
 
   void aFailedSaveIsShownOnce() {

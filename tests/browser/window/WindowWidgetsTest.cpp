@@ -112,6 +112,19 @@ class WindowWidgetsTest : public QObject {
     QCOMPARE(tree.CurrentPath(), r + QStringLiteral("linked/sub/"));
   }
 
+  void missingFoldersCannotBeSelected() {
+    CRellTree tree;
+    tree.LoadVolumes();
+    QVERIFY(tree.SelectPath(root_ + QStringLiteral("two/")));
+    QSignalSpy spy(&tree, &CRellTree::FolderSelected);
+    QVERIFY(!tree.SelectPath(root_ + QStringLiteral("nowhere/deeper/")));
+    QVERIFY(!tree.SelectPath(root_ + QStringLiteral("two/file.txt")));
+    QVERIFY(!tree.SelectPath(QStringLiteral("relative/path/")));
+    QCOMPARE(spy.size(), 0);
+    QCOMPARE(tree.CurrentPath(), root_ + QStringLiteral("two/"));
+    QVERIFY(!tree.ItemOf(root_ + QStringLiteral("nowhere/")));
+  }
+
   void treeStyles() {
     CRellTree tree;
     tree.LoadVolumes();
