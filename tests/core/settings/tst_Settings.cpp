@@ -428,7 +428,7 @@ class SettingsTest : public QObject {
     for (int round = 0; round < 40; ++round) {
       QByteArray bytes(500 + int(rng.bounded(4000)), Qt::Uninitialized);
       for (char& c : bytes) c = char(rng.bounded(256));
-      if (round % 2) bytes.prepend("[General]\nCount=32767\n[CopyTo]\nCount=32767\n");
+      if (round % 8 == 1) bytes.prepend("[General]\nCount=32767\n[CopyTo]\nCount=32767\n");
       const QString path = NewPath();
       QVERIFY(testsupport::MakeFile(path, bytes));
       CProfile p;
