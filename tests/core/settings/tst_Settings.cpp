@@ -193,6 +193,7 @@ class SettingsTest : public QObject {
     QCOMPARE(s.lists[core::kModeDrives].visible, QStringLiteral("11111111"));
     QVERIFY(s.general.findBackColor != s.general.selRowColor);
     QVERIFY(core::DefaultsContext::ForScreen(100, 100).homeFolder.endsWith(u'/'));
+    QCOMPARE(AppSettings().lists[core::kModeDrives].name, QStringLiteral("Drives"));
 
     AppSettings changed = Unusual();
     core::ResetToDefaults(changed, Context());
