@@ -2,11 +2,11 @@
 
 #include <array>
 
+#include "cli/ListCommand.h"
+
 namespace cli {
 
 // Each command lives in its own file and is listed here.
-int RunListCommand(CliContext& ctx);
-int RunDrivesCommand(CliContext& ctx);
 
 std::span<const Command> AllCommands() {
   static const std::array<Command, 2> commands = {{
