@@ -513,6 +513,7 @@ void CRellList::finishRename(bool commit) {
   if (!commit || position < 0 || newName.isEmpty() || newName == model_.displayName(id)) return;
   bool accept = false;
   Q_EMIT QueryRename(model_.path(id), newName, &accept);
+  if (accept) model_.store().renameFile(id, newName);
   viewport()->update();
 }
 

@@ -173,6 +173,7 @@ class tst_CRellList : public QObject {
     QTest::keyClick(edit, Qt::Key_Return);
     QCOMPARE(asked, QStringLiteral("/t/n00000"));
     QCOMPARE(newName, QStringLiteral("renamed"));
+    QCOMPARE(list.model().path(list.model().rowAt(1)), QStringLiteral("/t/renamed"));
     // Escape leaves the name alone.
     asked.clear();
     QTest::keyClick(&list, Qt::Key_F2);
