@@ -239,7 +239,9 @@ QString ListModel::sortKey(RowId id, int slot) const { return ListSorter::KeyTex
 void ListModel::sort(int column, bool keepDirection) {
   if (display_.empty() || columns_.count() == 0) return;
   if (column < 0 || column >= columns_.count()) column = 0;
-  const int focusRow = focus_ < rowCount() ? int(display_[size_t(focus_)]) : -1;
+  // The sort that follows a fill starts the view at the top; later sorts keep
+  // the focus on its row.
+  const int focusRow = !justFilled_ && focus_ < rowCount() ? int(display_[size_t(focus_)]) : -1;
   if (!keepDirection) {
     if (column == sortColumn()) {
       // The same header again: reverse, no comparison at all.
