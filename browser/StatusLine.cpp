@@ -61,7 +61,8 @@ void StatusLine::ShowJobStatus(int mode, const QString& text, double foldersScan
       lblStatus->setText(text);
       break;
     case 3:
-      lblStatus->setText(job_.FindSummary(platform::MonotonicMs(), foldersScanned, nameHits));
+      // A find that words its own summary passes it; else it is made from the counts.
+      lblStatus->setText(text.isEmpty() ? job_.FindSummary(platform::MonotonicMs(), foldersScanned, nameHits) : text);
       SetPicture(false);
       break;
     case 4:

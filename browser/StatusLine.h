@@ -21,7 +21,8 @@ class StatusLine : public QStatusBar {
   explicit StatusLine(QWidget* parent = nullptr);
 
   // Job status: -1 mark aborted; 0 job starts (find picture, text, start
-  // time); 1 progress (blink, text); 3 find summary from the two counts;
+  // time); 1 progress (blink, text); 3 find summary (`text`, or when empty
+  // made from the two counts);
   // 4 short summary; 5 text and the normal picture.
   void ShowJobStatus(int mode, const QString& text = QString(), double foldersScanned = 0, double nameHits = 0);
   void ShowStatus(const QString& text);

@@ -42,8 +42,8 @@ class frmMain : public QMainWindow {
   // Selects the start folder in the tree, which fills the list.
   void ShowStartFolder();
 
-  // The status line's job operation (modes -1, 0, 1, 3, 4, 5); mode 3 takes
-  // the find's counters.
+  // The status line's job operation (modes -1, 0, 1, 3, 4, 5); mode 3 shows
+  // `text`, or when it is empty the summary made from the find's counters.
   void ShowJobStatus(int mode, const QString& text = QString(), double foldersScanned = 0, double nameHits = 0);
 
   // Switches the list to a mode: keeps the present layout in the old mode's

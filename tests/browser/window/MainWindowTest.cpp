@@ -141,6 +141,9 @@ class MainWindowTest : public QObject {
     };
     Window win(ini_, parent + name(0));
     QTRY_COMPARE(win.fills.size(), 1);
+    // A fresh list starts at its first row, whatever order the disk gave.
+    QCOMPARE(win.w.list()->focusPosition(), 0);
+    QCOMPARE(win.w.list()->topIndex(), 0);
     browser::CRellTree* tree = win.w.tree();
     tree->setFocus();
     for (int i = 1; i < count; ++i) {
