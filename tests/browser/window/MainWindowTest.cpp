@@ -408,6 +408,9 @@ class MainWindowTest : public QObject {
       win.Action("menTreeStyle2")->trigger();  // lines off
       win.Action("menListStyle3")->trigger();  // highlight row on
       win.w.tabs()->setCurrentIndex(browser::CTabCtrl::kTabPreview);
+      win.Action("menFavAdd")->trigger();
+      win.Action("menFavAdd")->trigger();  // once is enough
+      QCOMPARE(win.w.settings().favorites, QStringList{root_ + QStringLiteral("small/")});
       QVERIFY(win.w.close());
     }
     Window again(ini_);
@@ -417,6 +420,44 @@ class MainWindowTest : public QObject {
     QCOMPARE(again.w.tree()->styles(), 3);
     QCOMPARE(again.w.list()->styles(), 23 | 8);
     QCOMPARE(again.w.tabs()->currentIndex(), int(browser::CTabCtrl::kTabPreview));
+    QAction* favorite = again.Action("menFav0");
+    QVERIFY(favorite);
+    QCOMPARE(favorite->text(), root_ + QStringLiteral("small/"));
+    QVERIFY(again.w.tree()->SelectPath(many_));
+    favorite->trigger();
+    QCOMPARE(again.w.tree()->CurrentPath(), root_ + QStringLiteral("small/"));
+    again.Action("menFavRemove")->trigger();
+    QVERIFY(again.w.settings().favorites.isEmpty());
+    QVERIFY(again.w.menus()->menFav.isEmpty());
+  }
+
+  void sortMenuAndResetToDefaults() {
+    Window win(ini_, many_);
+    QTRY_COMPARE(win.fills.size(), 1);
+    browser::ListModel& m = win.w.list()->model();
+    win.w.menus()->menSort->aboutToShow();
+    QCOMPARE(win.w.menus()->menSortCol[0]->text(), QStringLiteral("Name"));
+    win.Action("menSortCol0")->trigger();  // Name again: reversed
+    QVERIFY(m.sortDescending());
+    QCOMPARE(m.name(m.rowAt(0)), QStringLiteral("d19"));
+    win.Action("menSortCol5")->trigger();
+    QCOMPARE(m.sortColumn(), 5);
+    m.setColumnOrder(u"Attr.10,Size");
+    win.Action("menDefaultOrder")->trigger();
+    QCOMPARE(m.columnOrder(), QString::fromLatin1(core::kListModes[core::kModeBrowse].defaultOrder) + u',');
+
+    win.Action("menSize7")->trigger();
+    win.Action("menShowPanel")->trigger();
+    win.w.setGeometry(10, 10, 500, 400);
+    win.w.ResetToDefaults();
+    QCOMPARE(win.w.settings().lists[core::kModeBrowse].sizeFormat, 0);
+    QCOMPARE(m.sizeFormat(), 0);
+    QVERIFY(win.Action("menSize0")->isChecked());
+    QVERIFY(!win.w.tabs()->isHidden());
+    QVERIFY(win.w.geometry().width() <= 800);
+    QVERIFY(win.w.geometry().width() > 500);
+    QTRY_COMPARE(win.fills.size(), 2);  // the list is shown again in its default layout
+    QCOMPARE(m.rowCount(), 20);
   }
 
   void aVanishedStartFolderFallsBackToHome() {
