@@ -27,14 +27,16 @@ QStringList StripGlobals(const QStringList& args, QString* ini, QString* error) 
 }
 
 void PrintHelp(QTextStream& out) {
-  out << "Usage: quorvane [--ini FILE] [--screenshot FILE [FOLDER]]\n"
+  out << "Usage: quorvane [--ini FILE] [--open FOLDER | --screenshot FILE [FOLDER]]\n"
          "       quorvane [--ini FILE] COMMAND [OPTIONS] [ARGUMENTS]\n\n"
          "Without a command the window opens. Commands:\n";
   for (const Command& c : AllCommands())
     out << "  " << QString::fromLatin1(c.name).leftJustified(10) << ' ' << c.usage << "\n      " << c.summary << '\n';
   out << "\nGlobal options:\n"
          "  --ini FILE          settings file to use instead of Quorvane.ini\n"
-         "  --screenshot FILE   open the window, save a PNG of it to FILE and exit\n"
+         "  --open FOLDER       open the window on FOLDER\n"
+         "  --screenshot FILE   open the window, save a PNG of it to FILE once the list is\n"
+         "                      filled, and exit (settings are left as they were)\n"
          "  --help, --version\n";
 }
 
@@ -46,7 +48,8 @@ bool IsCliInvocation(const QStringList& args) {
   if (!error.isEmpty()) return true;
   if (rest.isEmpty()) return false;
   const QString& first = rest.first();
-  if (first == QStringLiteral("--screenshot")) return false;
+  if (first == QStringLiteral("--screenshot") || first == QStringLiteral("--open") || first.startsWith(QStringLiteral("--open=")))
+    return false;
   return !first.startsWith(QStringLiteral("--")) || first == QStringLiteral("--help") ||
          first == QStringLiteral("-h") || first == QStringLiteral("--version") || first.startsWith(u'-');
 }
