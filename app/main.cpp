@@ -20,14 +20,6 @@ struct WindowOptions {
   QString error;
 };
 
-// "--open FOLDER" (the desktop's "Open With" on a folder) asks for the window
-// even though it looks like an option of the command-line front end.
-bool AsksForWindow(const QStringList& args) {
-  for (const QString& a : args)
-    if (a == QStringLiteral("--open") || a.startsWith(QStringLiteral("--open="))) return true;
-  return false;
-}
-
 WindowOptions ParseWindowOptions(const QStringList& args) {
   WindowOptions o;
   for (qsizetype i = 0; i < args.size(); ++i) {
@@ -41,8 +33,6 @@ WindowOptions ParseWindowOptions(const QStringList& args) {
       target = args[++i];
     } else if (a.startsWith(QStringLiteral("--ini="))) {
       o.ini = a.mid(6);
-    } else if (a.startsWith(QStringLiteral("--screenshot="))) {
-      o.screenshot = a.mid(13);
     } else if (a.startsWith(QStringLiteral("--open="))) {
       o.folder = a.mid(7);
     } else if (a.startsWith(u'-') || !o.folder.isEmpty()) {
@@ -78,7 +68,7 @@ int main(int argc, char** argv) {
   QStringList args;
   for (int i = 1; i < argc; ++i) args.append(QString::fromLocal8Bit(argv[i]));
 
-  if (!AsksForWindow(args) && cli::IsCliInvocation(args)) {
+  if (cli::IsCliInvocation(args)) {
     QCoreApplication app(argc, argv);
     return cli::RunCli(args);
   }
