@@ -1,0 +1,188 @@
+#include "find/FindJob.h"
+
+#include <vector>
+
+#include "core/JobFlags.h"
+#include "core/NumberFormat.h"
+#include "find/FindFilters.h"
+#include "platform/Clock.h"
+#include "platform/FolderReader.h"
+#include "platform/WildcardPattern.h"
+
+namespace find {
+
+namespace {
+
+// "." and ".." (and an empty name): every name that is a piece of "..".
+bool IsDotName(const QString& name) {
+  return name.size() <= 2 && (name.isEmpty() || name == u"." || name == u"..");
+}
+
+// Entries between two yields inside one folder.
+constexpr unsigned kYieldEvery = 256;
+
+class Walker {
+ public:
+  Walker(FindCriteria& criteria, FindSink& sink) : c_(criteria), sink_(sink) {
+    for (const QString& p : criteria.patterns) patterns_.emplace_back(p);
+    yieldHook_ = [this] { sink_.yield(); };
+  }
+
+  bool aborted() const { return aborted_; }
+
+  void walkLocations() {
+    const bool everything = c_.patterns.value(0) == u"*.*";
+    for (const QString& location : c_.locations) {
+      if (stopNow()) return;
+      // A location the user names explicitly is searched even when an
+      // exclusion matches it; it then does not count as scanned.
+      const bool excludeOn = c_.excludeOn;
+      if (!FolderAccepted(c_, location)) c_.excludeOn = false;
+      if (!everything && c_.includeSubfolders) scanThenRecurse(location, location);
+      else scanByPattern(location, location);
+      c_.excludeOn = excludeOn;
+    }
+  }
+
+ private:
+  bool stopNow() {
+    if (aborted_) return true;
+    if (++sinceYield_ >= kYieldEvery) {
+      sinceYield_ = 0;
+      sink_.yield();
+    }
+    if (!core::JobFlags::AbortRequested()) return false;
+    aborted_ = true;
+    sink_.showJobStatus(kStatusAborted, QString());
+    return true;
+  }
+
+  void enterFolder(const QString& display) {
+    sinceYield_ = 0;
+    sink_.yield();
+    sink_.showJobStatus(kStatusProgress, display);
+  }
+
+  bool nameMatches(const platform::FolderReader& reader, qsizetype i, const platform::WildcardPattern& p) const {
+    if (p.matchesEverything() || p.matches(reader.name(i))) return true;
+    const QString& alias = reader.alias(i);
+    return !alias.isEmpty() && p.matches(alias);
+  }
+
+  // Tests entry i against the filters and adds it as a row; false if it vanished.
+  bool testEntry(const platform::FolderReader& reader, qsizetype i, const QString& folder, const QString& display,
+                 platform::DirEntry* entry) {
+    if (!reader.stat(i, entry)) return false;
+    const QString fullPath = c_.textOn ? folder + entry->name : QString();
+    if (PassesFilters(c_, *entry, fullPath, yieldHook_)) sink_.addRow(*entry, folder, display);
+    return true;
+  }
+
+  // The subfolder's path for the walk (real name) and for the list (tidied).
+  static void subfolder(const QString& folder, const QString& display, const QString& name, QString* sub,
+                        QString* subDisplay) {
+    *sub = folder + name + u'/';
+    const QString tidy = FindJob::TidyFolderName(name);
+    if (display.size() == folder.size() && tidy == name && display == folder) *subDisplay = *sub;
+    else *subDisplay = display + tidy + u'/';
+  }
+
+  // Depth first, pre-order: a folder entry is tested before its contents.
+  void scanByPattern(const QString& folder, const QString& display) {
+    enterFolder(display);
+    const platform::FolderReader reader(folder);
+    if (!reader.isOpen()) return;
+    platform::DirEntry entry;
+    for (const platform::WildcardPattern& pattern : patterns_) {
+      for (qsizetype i = 0; i < reader.count(); ++i) {
+        if (stopNow()) return;
+        if (IsDotName(reader.name(i)) || !nameMatches(reader, i, pattern)) continue;
+        if (!testEntry(reader, i, folder, display, &entry)) continue;
+        if (c_.includeSubfolders && entry.isDirectory() && !entry.isLink) {
+          QString sub, subDisplay;
+          subfolder(folder, display, reader.name(i), &sub, &subDisplay);
+          if (FolderAccepted(c_, sub)) scanByPattern(sub, subDisplay);
+        }
+      }
+    }
+  }
+
+  // The folder's own hits first (pattern by pattern), then its subfolders in
+  // file-system order. The names are read once and serve both passes.
+  void scanThenRecurse(const QString& folder, const QString& display) {
+    enterFolder(display);
+    const platform::FolderReader reader(folder);
+    if (!reader.isOpen()) return;
+    platform::DirEntry entry;
+    for (const platform::WildcardPattern& pattern : patterns_) {
+      for (qsizetype i = 0; i < reader.count(); ++i) {
+        if (stopNow()) return;
+        if (IsDotName(reader.name(i)) || !nameMatches(reader, i, pattern)) continue;
+        testEntry(reader, i, folder, display, &entry);
+      }
+    }
+    for (qsizetype i = 0; i < reader.count(); ++i) {
+      if (stopNow()) return;
+      if (IsDotName(reader.name(i)) || !reader.isWalkableFolder(i)) continue;
+      QString sub, subDisplay;
+      subfolder(folder, display, reader.name(i), &sub, &subDisplay);
+      if (FolderAccepted(c_, sub)) scanThenRecurse(sub, subDisplay);
+    }
+  }
+
+  FindCriteria& c_;
+  FindSink& sink_;
+  std::vector<platform::WildcardPattern> patterns_;
+  YieldHook yieldHook_;
+  unsigned sinceYield_ = 0;
+  bool aborted_ = false;
+};
+
+}  // namespace
+
+QString FindJob::SummaryText(double seconds, qint64 foldersScanned, qint64 nameHits, bool aborted) {
+  QString s = core::FormatNumber(seconds, u"0.000");
+  s += QStringLiteral(" sec (");
+  s += core::FormatNumber(double(foldersScanned), u"#,0");
+  s += QStringLiteral(" folders scanned, ");
+  s += core::FormatNumber(double(nameHits), u"#,0");
+  s += QStringLiteral(" name hits)");
+  if (aborted) s += QStringLiteral("  ABORTED");
+  return s;
+}
+
+QString FindJob::TidyFolderName(const QString& name) {
+  if (name.size() >= 13 || name != name.toUpper()) return name;
+  QString out = name;
+  bool wordStart = true;
+  for (QChar& ch : out) {
+    ch = wordStart ? ch.toUpper() : ch.toLower();
+    wordStart = ch.isSpace();
+  }
+  return out;
+}
+
+bool FindJob::Run(FindCriteria& criteria, FindSink& sink, bool sortAfterwards) {
+  core::JobFlags::ClearAbort();
+  criteria.foldersScanned = 0;
+  criteria.nameHits = 0;
+  core::JobFlags::SetBusy(true);
+  sink.startFill();
+  sink.showJobStatus(kStatusStart, QString());
+  const qint64 start = platform::MonotonicMs();
+
+  Walker walker(criteria, sink);
+  walker.walkLocations();
+
+  if (sortAfterwards && sink.rowCount() > 0) {
+    if (sink.rowCount() > kSilentSortRows) sink.showJobStatus(kStatusProgress, QStringLiteral("Sorting..."));
+    sink.sortRows();
+  }
+  const double seconds = double(platform::MonotonicMs() - start) / 1000.0;
+  sink.showJobStatus(kStatusFindEnd,
+                     SummaryText(seconds, criteria.foldersScanned, criteria.nameHits, walker.aborted()));
+  core::JobFlags::SetBusy(false);
+  return !walker.aborted();
+}
+
+}  // namespace find
