@@ -1,0 +1,197 @@
+#include <QTemporaryDir>
+#include <QtTest>
+
+#include "browser/list/ListFill.h"
+#include "browser/list/ListModel.h"
+#include "browser/list/ListPrinter.h"
+#include "browser/list/RowBuilder.h"
+#include "cli/CliContext.h"
+#include "core/DateStyles.h"
+#include "platform/FileTime.h"
+#include "platform/NativePath.h"
+#include "tests/TestSupport.h"
+#include "tests/browser/list/ListTestRows.h"
+
+using browser::FillContext;
+using browser::FillResult;
+using browser::ListFill;
+using browser::ListModel;
+
+namespace cli {
+int RunListCommand(CliContext& ctx);
+}
+
+class tst_ListFill : public QObject {
+  Q_OBJECT
+
+ private:
+  QTemporaryDir dir_;
+  QString folder_;
+
+  static QStringList SortedNames(const ListModel& m) {
+    QStringList names;
+    for (int i = 0; i < m.rowCount(); ++i) names.append(m.name(m.rowAt(i)));
+    names.sort();
+    return names;
+  }
+
+  int runList(const QStringList& args, QString* out, QString* err) {
+    QTextStream o(out), e(err);
+    cli::CliContext ctx{args, o, e, QString()};
+    const int status = cli::RunListCommand(ctx);
+    o.flush();
+    e.flush();
+    return status;
+  }
+
+ private Q_SLOTS:
+  void initTestCase() {
+    testsupport::PinLocale();
+    QVERIFY(dir_.isValid());
+    folder_ = dir_.path() + u'/';
+    QVERIFY(testsupport::MakeSizedFile(folder_ + "b.txt", 2048));
+    QVERIFY(testsupport::MakeFile(folder_ + "a.TXT", "x"));
+    QVERIFY(testsupport::MakeFile(folder_ + ".hidden"));
+    QVERIFY(testsupport::MakeFile(folder_ + "tool.exe", "MZ"));
+    QVERIFY(testsupport::MakeFolder(folder_ + "sub.d"));
+    QVERIFY(testsupport::MakeFolder(folder_ + "zz"));
+    const QDateTime t(QDate(2020, 5, 17), QTime(13, 45, 30), Qt::UTC);
+    for (const char* n : {"b.txt", "a.TXT", ".hidden", "tool.exe", "sub.d", "zz"})
+      QVERIFY(testsupport::SetTimes(folder_ + n, t, t.addSecs(qstrlen(n))));
+  }
+
+  void browseSkipsDots() {
+    ListModel m;
+    m.beginFill();
+    QCOMPARE(ListFill::Browse(&m, dir_.path(), {}), FillResult::kDone);
+    m.endFill();
+    QCOMPARE(SortedNames(m), (QStringList{".hidden", "a.TXT", "b.txt", "sub.d", "tool.exe", "zz"}));
+    m.sortAgain();
+    // Grouping on: folders first, then files, by name.
+    QCOMPARE(listtest::Names(m), QStringLiteral("sub.d,zz,.hidden,a.TXT,b.txt,tool.exe"));
+    const browser::RowId folder = m.rowAt(0);
+    QVERIFY(m.isFolder(folder));
+    QCOMPARE(m.path(folder), folder_ + "sub.d");
+    QCOMPARE(m.dataText(folder, 1), QStringLiteral("d"));
+    QCOMPARE(m.dataText(m.rowAt(4), 2), QStringLiteral("2048"));
+    QCOMPARE(m.dataText(m.rowAt(4), 7), QStringLiteral("----A---"));
+    QCOMPARE(m.dataText(m.rowAt(2), 7), QStringLiteral("-H--A---"));
+    QCOMPARE(m.statusText(), QStringLiteral("Total: 2.00KB"));
+  }
+
+  void abortStopsAfterTheEntry() {
+    ListModel m;
+    std::atomic<bool> abort{true};  // a fill clears it when it starts
+    int entries = 0;
+    FillContext context{&abort, [&] {
+                          if (++entries == 4) abort = true;
+                        }};
+    QCOMPARE(ListFill::Browse(&m, dir_.path(), context), FillResult::kAborted);
+    QCOMPARE(entries, 4);  // "." and ".." are entries too
+    QVERIFY(m.rowCount() >= 2 && m.rowCount() <= 4);
+  }
+
+  void unreadable() {
+    ListModel m;
+    QCOMPARE(ListFill::Browse(&m, folder_ + "missing", {}), FillResult::kUnreadable);
+    QCOMPARE(m.rowCount(), 0);
+  }
+
+  void typeNames() {
+    ListModel m;
+    browser::RowBuilder builder(&m);
+    QVERIFY(browser::RowBuilder::AskedOneByOne(u"EXE"));
+    QVERIFY(browser::RowBuilder::AskedOneByOne(u"ani"));
+    QVERIFY(!browser::RowBuilder::AskedOneByOne(u"ex"));
+    QVERIFY(!browser::RowBuilder::AskedOneByOne(u""));
+    builder.add(listtest::Entry("x.txt"), folder_);
+    builder.add(listtest::Entry("Y.TXT"), folder_);
+    builder.add(listtest::Entry("d", 0, 0, true), folder_);
+    QCOMPARE(m.store().typeCount(), 2u);  // one per extension, case-blind
+    QCOMPARE(m.dataText(m.rowAt(0), 3), m.dataText(m.rowAt(1), 3));
+    QVERIFY(!m.dataText(m.rowAt(0), 3).isEmpty());
+    QVERIFY(!m.iconKey(m.rowAt(2)).isEmpty());
+  }
+
+  void dateCellsMatchFileTimeText_data() {
+    QTest::addColumn<int>("dateStyle");
+    QTest::addColumn<int>("timeStyle");
+    for (int d = 0; d < 4; ++d)
+      for (int t = 0; t < 4; ++t) QTest::addRow("%d/%d", d, t) << d << t;
+  }
+  void dateCellsMatchFileTimeText() {
+    QFETCH(int, dateStyle);
+    QFETCH(int, timeStyle);
+    ListModel m;
+    m.setFormats(0, dateStyle, timeStyle);
+    const quint16 type = m.store().internType(QStringLiteral("t"), QString());
+    const qint64 ft = platform::kUnixEpochTicks + 1589723130LL * platform::kTicksPerSecond;
+    platform::DirEntry e = listtest::Entry("f", 0, ft);
+    e.creationTime = 0;
+    m.addFileRow(e, "/", type);
+    const QString expected = core::FileTimeText(ft, core::DateStylePattern(dateStyle),
+                                                core::TimeStylePattern(timeStyle), false);
+    QCOMPARE(m.dataText(m.rowAt(0), 5), expected);
+    QCOMPARE(m.dataText(m.rowAt(0), 4), QStringLiteral("(unknown)"));
+  }
+
+  void invalidUtf8NameShownButKeptForIo() {
+    const QString name = platform::FromNative(QByteArray("bad\xff.txt"));
+    const QByteArray native = platform::ToNative(folder_ + name);
+    FILE* f = fopen(native.constData(), "wb");
+    QVERIFY(f);
+    fclose(f);
+    ListModel m;
+    ListFill::Browse(&m, folder_, {});
+    int found = -1;
+    for (int i = 0; i < m.rowCount(); ++i)
+      if (m.name(m.rowAt(i)) == name) found = i;
+    QVERIFY(found >= 0);
+    QCOMPARE(m.dataText(m.rowAt(found), 0), QStringLiteral("bad\uFFFD.txt"));
+    QCOMPARE(platform::ToNative(m.path(m.rowAt(found))), native);
+    remove(native.constData());
+  }
+
+  void command_data() {
+    QTest::addColumn<QStringList>("args");
+    QTest::addColumn<int>("status");
+    QTest::addColumn<QString>("firstLines");
+    QTest::addColumn<QString>("err");
+    QTest::newRow("name ascending") << QStringList{"--no-header", "--size-format", "1"} << 0
+                                    << "sub.d\td\t0\t" << "Total: 2.00KB\n";
+    QTest::newRow("header") << QStringList{} << 0 << "Name\tExt\tSize\tType\tCreated\tModified\tAccessed\tAttr\n"
+                            << "Total: 2.00KB\n";
+    QTest::newRow("by size descending, no group") << QStringList{"--no-header", "--sort", "size:desc", "--no-group"}
+                                                  << 0 << "b.txt\ttxt\t2048\t" << "Total: 2.00KB\n";
+    QTest::newRow("modified starts newest, folders first") << QStringList{"--no-header", "--sort", "Modified"} << 0
+                                                           << "sub.d\t" << "Total: 2.00KB\n";
+    QTest::newRow("modified ascending, files first") << QStringList{"--no-header", "--sort", "5:asc"} << 0
+                                                     << "a.TXT\t" << "Total: 2.00KB\n";
+    QTest::newRow("bad size format") << QStringList{"--size-format", "9"} << 2 << ""
+                                     << "quorvane list: --size-format takes a number from 0 to 8\n";
+    QTest::newRow("bad column") << QStringList{"--sort", "Colour"} << 2 << ""
+                                << "quorvane list: --sort: no column 'Colour'\n";
+  }
+  void command() {
+    QFETCH(QStringList, args);
+    QFETCH(int, status);
+    QFETCH(QString, firstLines);
+    QString out, err;
+    QCOMPARE(runList(args << dir_.path(), &out, &err), status);
+    QVERIFY2(firstLines.isEmpty() ? out.isEmpty() : out.startsWith(firstLines), qPrintable(out.left(200)));
+    QTEST(err, "err");
+  }
+
+  void commandBadFolders() {
+    QString out, err;
+    QCOMPARE(runList({folder_ + "nothing-here"}, &out, &err), 2);
+    QVERIFY(err.contains(QStringLiteral("no such folder")));
+    QCOMPARE(runList({folder_ + "b.txt"}, &out, &err), 2);
+    QVERIFY(err.contains(QStringLiteral("not a folder")));
+    QCOMPARE(runList({}, &out, &err), 2);
+    QVERIFY(out.isEmpty());
+  }
+};
+
+QTEST_GUILESS_MAIN(tst_ListFill)
+#include "tst_ListFill.moc"
