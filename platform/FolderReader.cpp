@@ -68,6 +68,21 @@ const QString kEmpty;
 FolderReader::FolderReader(const QString& folder) {
   const QByteArray native = ToNative(folder.isEmpty() ? QStringLiteral(".") : folder);
   fd_ = open(native.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  read();
+}
+
+FolderReader::FolderReader(const FolderReader& parent, qsizetype index) {
+  if (!parent.isOpen()) return;
+  const QByteArray native = ToNative(parent.name(index));
+  fd_ = openat(parent.fd_, native.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  read();
+}
+
+FolderReader::~FolderReader() {
+  if (fd_ >= 0) close(fd_);
+}
+
+void FolderReader::read() {
   if (fd_ < 0) return;
   struct statfs fs {};
   vfat_ = fstatfs(fd_, &fs) == 0 && fs.f_type == MSDOS_SUPER_MAGIC;
@@ -75,23 +90,26 @@ FolderReader::FolderReader(const QString& folder) {
   if (!vfat_) readPlain();
 }
 
-FolderReader::~FolderReader() {
-  if (fd_ >= 0) close(fd_);
+// getdents64 straight on the folder's descriptor: a directory stream would
+// cost a dup, its fcntl and fstat calls and a close for every folder.
+void FolderReader::readPlain() {
+  alignas(struct dirent64) char buffer[32768];
+  for (;;) {
+    const ssize_t n = getdents64(fd_, buffer, sizeof buffer);
+    if (n <= 0) break;
+    for (ssize_t at = 0; at < n;) {
+      const auto* d = reinterpret_cast<const struct dirent64*>(buffer + at);
+      names_.push_back(FromNative(d->d_name, qsizetype(strlen(d->d_name))));
+      types_.push_back(d->d_type);
+      at += d->d_reclen;
+    }
+  }
 }
 
-void FolderReader::readPlain() {
-  const int dupFd = dup(fd_);
-  if (dupFd < 0) return;
-  DIR* dir = fdopendir(dupFd);
-  if (!dir) {
-    close(dupFd);
-    return;
-  }
-  while (const struct dirent* d = readdir(dir)) {
-    names_.push_back(FromNative(d->d_name, qsizetype(strlen(d->d_name))));
-    types_.push_back(d->d_type);
-  }
-  closedir(dir);
+int FolderReader::openEntry(qsizetype i, int flags) const {
+  if (fd_ < 0) return -1;
+  const QByteArray native = ToNative(names_[size_t(i)]);
+  return openat(fd_, native.constData(), flags | O_CLOEXEC);
 }
 
 void FolderReader::readVfat() {

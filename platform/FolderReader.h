@@ -12,6 +12,9 @@ namespace platform {
 class FolderReader {
  public:
   explicit FolderReader(const QString& folder);
+  // Opens the subfolder at entry `index` of an open folder relative to it: no
+  // path walk from the root, and never through a symbolic link.
+  FolderReader(const FolderReader& parent, qsizetype index);
   ~FolderReader();
   FolderReader(const FolderReader&) = delete;
   FolderReader& operator=(const FolderReader&) = delete;
@@ -25,8 +28,11 @@ class FolderReader {
   bool isWalkableFolder(qsizetype i) const;
   // Fills `out` with the entry's data; false if it vanished meanwhile.
   bool stat(qsizetype i, DirEntry* out) const;
+  // Opens entry i relative to the folder (open(2) flags); -1 on failure.
+  int openEntry(qsizetype i, int flags) const;
 
  private:
+  void read();
   void readPlain();
   void readVfat();
 
