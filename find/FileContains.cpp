@@ -68,16 +68,19 @@ bool SearchFile(int fd, qint64 length, const TextSearch& search, const YieldHook
 
 }  // namespace
 
-bool FileContains(const TextSearch& search, const QString& path, const YieldHook& yield) {
+bool FileContains(const TextSearch& search, const QString& path, const YieldHook& yield, EntryInFolder where) {
   if (search.text().size() > kContainsBlock || search.maxMatchLength() > kContainsBlock) return false;
-  const QByteArray native = platform::ToNative(path);
+  auto openFile = [&](int flags) {
+    if (where.folder) return where.folder->openEntry(where.index, flags);
+    return open(platform::ToNative(path).constData(), flags | O_CLOEXEC);
+  };
   // O_NONBLOCK: a FIFO must not hang the find; it is refused below anyway.
-  const int flags = O_RDONLY | O_CLOEXEC | O_NOCTTY | O_NONBLOCK;
+  const int flags = O_RDONLY | O_NOCTTY | O_NONBLOCK;
   bool noAtime = true;
-  int fd = open(native.constData(), flags | O_NOATIME);
+  int fd = openFile(flags | O_NOATIME);
   if (fd < 0 && errno == EPERM) {
     noAtime = false;
-    fd = open(native.constData(), flags);
+    fd = openFile(flags);
   }
   if (fd < 0) return false;
 

@@ -3,6 +3,7 @@
 #include <functional>
 
 #include "find/TextSearch.h"
+#include "platform/FolderReader.h"
 
 namespace find {
 
@@ -12,6 +13,13 @@ inline constexpr qsizetype kContainsBlock = 32768;
 
 // Called between blocks so that a window can take its input (and Escape).
 using YieldHook = std::function<void()>;
+
+// An entry of a folder being read, when the caller has it: the file is then
+// opened relative to that folder instead of by its whole path.
+struct EntryInFolder {
+  const platform::FolderReader* folder = nullptr;
+  qsizetype index = -1;
+};
 
 // Whether the file at `path` holds the search text (in its compare mode).
 // Bigger files are read in blocks of kContainsBlock that overlap by the
@@ -24,6 +32,7 @@ using YieldHook = std::function<void()>;
 // (we own the file, or are privileged), so reading leaves its last-access
 // time alone; otherwise a changed access time is set back afterwards. The
 // last-write time and the permission bits are never touched.
-bool FileContains(const TextSearch& search, const QString& path, const YieldHook& yield = {});
+bool FileContains(const TextSearch& search, const QString& path, const YieldHook& yield = {},
+                  EntryInFolder where = {});
 
 }  // namespace find

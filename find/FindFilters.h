@@ -4,6 +4,7 @@
 #include "find/FileContains.h"
 #include "find/FindCriteria.h"
 #include "platform/DirEntry.h"
+#include "platform/FolderReader.h"
 
 namespace find {
 
@@ -14,8 +15,9 @@ bool FolderAccepted(FindCriteria& criteria, const QString& folderPath);
 
 // The filter test for an entry whose name matched a pattern; counts nameHits.
 // Size (signed low 32 bits), attributes, date, then contained text on
-// `fullPath` (only built by the caller when the text group is on).
+// `fullPath` (only built by the caller when the text group is on). A walk
+// names the entry's open folder too, so that the file opens relative to it.
 bool PassesFilters(FindCriteria& criteria, const platform::DirEntry& entry, const QString& fullPath,
-                   const YieldHook& yield = {});
+                   const YieldHook& yield = {}, EntryInFolder where = {});
 
 }  // namespace find

@@ -1,5 +1,6 @@
 #include "find/FindJob.h"
 
+#include <optional>
 #include <vector>
 
 #include "core/JobFlags.h"
@@ -38,8 +39,8 @@ class Walker {
       // exclusion matches it; it then does not count as scanned.
       const bool excludeOn = c_.excludeOn;
       if (!FolderAccepted(c_, location)) c_.excludeOn = false;
-      if (!everything && c_.includeSubfolders) scanThenRecurse(location, location);
-      else scanByPattern(location, location);
+      if (!everything && c_.includeSubfolders) scanThenRecurse(nullptr, 0, location, location);
+      else scanByPattern(nullptr, 0, location, location);
       c_.excludeOn = excludeOn;
     }
   }
@@ -57,10 +58,15 @@ class Walker {
     return true;
   }
 
-  void enterFolder(const QString& display) {
+  // Yields, shows the folder and reads it: a location by its path, a
+  // subfolder relative to its parent (entry `index` of it).
+  void enterFolder(const platform::FolderReader* parent, qsizetype index, const QString& folder,
+                   const QString& display, std::optional<platform::FolderReader>* reader) {
     sinceYield_ = 0;
     sink_.yield();
     sink_.showJobStatus(kStatusProgress, display);
+    if (parent) reader->emplace(*parent, index);
+    else reader->emplace(folder);
   }
 
   bool nameMatches(const platform::FolderReader& reader, qsizetype i, const platform::WildcardPattern& p) const {
@@ -74,7 +80,7 @@ class Walker {
                  platform::DirEntry* entry) {
     if (!reader.stat(i, entry)) return false;
     const QString fullPath = c_.textOn ? folder + entry->name : QString();
-    if (PassesFilters(c_, *entry, fullPath, yieldHook_)) sink_.addRow(*entry, folder, display);
+    if (PassesFilters(c_, *entry, fullPath, yieldHook_, {&reader, i})) sink_.addRow(*entry, folder, display);
     return true;
   }
 
@@ -88,9 +94,11 @@ class Walker {
   }
 
   // Depth first, pre-order: a folder entry is tested before its contents.
-  void scanByPattern(const QString& folder, const QString& display) {
-    enterFolder(display);
-    const platform::FolderReader reader(folder);
+  void scanByPattern(const platform::FolderReader* parent, qsizetype index, const QString& folder,
+                     const QString& display) {
+    std::optional<platform::FolderReader> opened;
+    enterFolder(parent, index, folder, display, &opened);
+    const platform::FolderReader& reader = *opened;
     if (!reader.isOpen()) return;
     platform::DirEntry entry;
     for (const platform::WildcardPattern& pattern : patterns_) {
@@ -101,7 +109,7 @@ class Walker {
         if (c_.includeSubfolders && entry.isDirectory() && !entry.isLink) {
           QString sub, subDisplay;
           subfolder(folder, display, reader.name(i), &sub, &subDisplay);
-          if (FolderAccepted(c_, sub)) scanByPattern(sub, subDisplay);
+          if (FolderAccepted(c_, sub)) scanByPattern(&reader, i, sub, subDisplay);
         }
       }
     }
@@ -109,9 +117,11 @@ class Walker {
 
   // The folder's own hits first (pattern by pattern), then its subfolders in
   // file-system order. The names are read once and serve both passes.
-  void scanThenRecurse(const QString& folder, const QString& display) {
-    enterFolder(display);
-    const platform::FolderReader reader(folder);
+  void scanThenRecurse(const platform::FolderReader* parent, qsizetype index, const QString& folder,
+                       const QString& display) {
+    std::optional<platform::FolderReader> opened;
+    enterFolder(parent, index, folder, display, &opened);
+    const platform::FolderReader& reader = *opened;
     if (!reader.isOpen()) return;
     platform::DirEntry entry;
     for (const platform::WildcardPattern& pattern : patterns_) {
@@ -126,7 +136,7 @@ class Walker {
       if (IsDotName(reader.name(i)) || !reader.isWalkableFolder(i)) continue;
       QString sub, subDisplay;
       subfolder(folder, display, reader.name(i), &sub, &subDisplay);
-      if (FolderAccepted(c_, sub)) scanThenRecurse(sub, subDisplay);
+      if (FolderAccepted(c_, sub)) scanThenRecurse(&reader, i, sub, subDisplay);
     }
   }
 
