@@ -1,11 +1,12 @@
 #include "find/FindJob.h"
 
-#include <optional>
+#include <memory>
 #include <vector>
 
 #include "core/JobFlags.h"
 #include "core/NumberFormat.h"
 #include "find/FindFilters.h"
+#include "find/FolderPrefetcher.h"
 #include "platform/Clock.h"
 #include "platform/FolderReader.h"
 #include "platform/WildcardPattern.h"
@@ -21,6 +22,8 @@ bool IsDotName(const QString& name) {
 
 // Entries between two yields inside one folder.
 constexpr unsigned kYieldEvery = 256;
+
+using Reader = FolderPrefetcher::Reader;
 
 class Walker {
  public:
@@ -39,8 +42,11 @@ class Walker {
       // exclusion matches it; it then does not count as scanned.
       const bool excludeOn = c_.excludeOn;
       if (!FolderAccepted(c_, location)) c_.excludeOn = false;
+      // A helper thread reads the folders of a deep walk ahead of it.
+      if (c_.includeSubfolders) prefetcher_ = std::make_unique<FolderPrefetcher>(location, c_.excludeOn, c_.excludes);
       if (!everything && c_.includeSubfolders) scanThenRecurse(nullptr, 0, location, location);
       else scanByPattern(nullptr, 0, location, location);
+      prefetcher_.reset();
       c_.excludeOn = excludeOn;
     }
   }
@@ -60,13 +66,16 @@ class Walker {
 
   // Yields, shows the folder and reads it: a location by its path, a
   // subfolder relative to its parent (entry `index` of it).
-  void enterFolder(const platform::FolderReader* parent, qsizetype index, const QString& folder,
-                   const QString& display, std::optional<platform::FolderReader>* reader) {
+  Reader enterFolder(const platform::FolderReader* parent, qsizetype index, const QString& folder,
+                     const QString& display) {
     sinceYield_ = 0;
     sink_.yield();
     sink_.showJobStatus(kStatusProgress, display);
-    if (parent) reader->emplace(*parent, index);
-    else reader->emplace(folder);
+    if (prefetcher_) {
+      if (Reader ahead = prefetcher_->take(folder)) return ahead;
+    }
+    if (parent) return std::make_shared<const platform::FolderReader>(*parent, index);
+    return std::make_shared<const platform::FolderReader>(folder);
   }
 
   bool nameMatches(const platform::FolderReader& reader, qsizetype i, const platform::WildcardPattern& p) const {
@@ -96,8 +105,7 @@ class Walker {
   // Depth first, pre-order: a folder entry is tested before its contents.
   void scanByPattern(const platform::FolderReader* parent, qsizetype index, const QString& folder,
                      const QString& display) {
-    std::optional<platform::FolderReader> opened;
-    enterFolder(parent, index, folder, display, &opened);
+    const Reader opened = enterFolder(parent, index, folder, display);
     const platform::FolderReader& reader = *opened;
     if (!reader.isOpen()) return;
     platform::DirEntry entry;
@@ -119,8 +127,7 @@ class Walker {
   // file-system order. The names are read once and serve both passes.
   void scanThenRecurse(const platform::FolderReader* parent, qsizetype index, const QString& folder,
                        const QString& display) {
-    std::optional<platform::FolderReader> opened;
-    enterFolder(parent, index, folder, display, &opened);
+    const Reader opened = enterFolder(parent, index, folder, display);
     const platform::FolderReader& reader = *opened;
     if (!reader.isOpen()) return;
     platform::DirEntry entry;
@@ -144,6 +151,7 @@ class Walker {
   FindSink& sink_;
   std::vector<platform::WildcardPattern> patterns_;
   YieldHook yieldHook_;
+  std::unique_ptr<FolderPrefetcher> prefetcher_;
   unsigned sinceYield_ = 0;
   bool aborted_ = false;
 };

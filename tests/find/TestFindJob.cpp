@@ -5,6 +5,7 @@
 
 #include "core/JobFlags.h"
 #include "find/FindJob.h"
+#include "find/FolderPrefetcher.h"
 #include "tests/TestSupport.h"
 
 namespace {
@@ -247,6 +248,22 @@ class TestFindJob : public QObject {
     const Recorder r = Run(c, true);
     QVERIFY(r.rows.isEmpty());
     QCOMPARE(r.sorts, 0);
+  }
+
+  // The read-ahead serves folders in walk order and gives up, without harm,
+  // when the walk asks for another one.
+  void readAhead() {
+    find::FolderPrefetcher ahead(root_, true, {QStringLiteral("/two/")});
+    const auto first = ahead.take(root_);
+    QVERIFY(first && first->isOpen());
+    QStringList walkOrder;
+    for (qsizetype i = 0; i < first->count(); ++i)
+      if (first->isWalkableFolder(i) && first->name(i) != u"." && first->name(i) != u".." && first->name(i) != u"two")
+        walkOrder.append(first->name(i));
+    const auto second = ahead.take(root_ + walkOrder.first() + u'/');
+    QVERIFY(second && second->isOpen());
+    QVERIFY(!ahead.take(root_ + QStringLiteral("not-next/")));
+    QVERIFY(!ahead.take(root_ + walkOrder.last() + u'/'));  // off for good
   }
 
   void summaryText() {

@@ -1,0 +1,95 @@
+#include "find/FolderPrefetcher.h"
+
+#include <vector>
+
+#include "core/JobFlags.h"
+
+namespace find {
+
+namespace {
+bool IsDotName(const QString& name) {
+  return name.size() <= 2 && (name.isEmpty() || name == u"." || name == u"..");
+}
+}  // namespace
+
+FolderPrefetcher::FolderPrefetcher(const QString& location, bool excludeOn, const QStringList& excludes)
+    : excludeOn_(excludeOn), excludes_(excludes), thread_(&FolderPrefetcher::run, this, location) {}
+
+FolderPrefetcher::~FolderPrefetcher() {
+  {
+    std::lock_guard lock(mutex_);
+    stop_ = true;
+  }
+  changed_.notify_all();
+  thread_.join();
+}
+
+bool FolderPrefetcher::put(Item item) {
+  std::unique_lock lock(mutex_);
+  changed_.wait(lock, [this] { return stop_ || queue_.size() < kAhead; });
+  if (stop_) return false;
+  queue_.push_back(std::move(item));
+  lock.unlock();
+  changed_.notify_all();
+  return true;
+}
+
+FolderPrefetcher::Reader FolderPrefetcher::take(const QString& path) {
+  std::unique_lock lock(mutex_);
+  if (off_) return nullptr;
+  changed_.wait(lock, [this] { return !queue_.empty() || done_; });
+  if (queue_.empty() || queue_.front().path != path) {
+    off_ = stop_ = true;  // out of step with the walk: stop reading ahead
+    queue_.clear();
+    lock.unlock();
+    changed_.notify_all();
+    return nullptr;
+  }
+  Reader reader = std::move(queue_.front().reader);
+  queue_.pop_front();
+  lock.unlock();
+  changed_.notify_all();
+  return reader;
+}
+
+void FolderPrefetcher::run(QString location) {
+  struct Frame {
+    Reader reader;
+    QString path;
+    qsizetype next = 0;
+  };
+  auto excluded = [this](const QString& path) {
+    if (!excludeOn_) return false;
+    for (const QString& e : excludes_)
+      if (path.contains(e, Qt::CaseInsensitive)) return true;
+    return false;
+  };
+
+  std::vector<Frame> stack;
+  Reader root = std::make_shared<const platform::FolderReader>(location);
+  if (put({location, root}) && root->isOpen()) stack.push_back({root, location, 0});
+  while (!stack.empty()) {
+    if (core::JobFlags::AbortRequested()) break;
+    Reader parent = stack.back().reader;
+    const QString folder = stack.back().path;
+    qsizetype i = stack.back().next;
+    while (i < parent->count() && (IsDotName(parent->name(i)) || !parent->isWalkableFolder(i))) ++i;
+    if (i >= parent->count()) {
+      stack.pop_back();
+      continue;
+    }
+    stack.back().next = i + 1;
+    QString sub = folder + parent->name(i) + u'/';
+    if (excluded(sub)) continue;
+    Reader child = std::make_shared<const platform::FolderReader>(*parent, i);
+    if (!put({sub, child})) break;
+    if (child->isOpen()) stack.push_back({std::move(child), std::move(sub), 0});
+  }
+  {
+    std::lock_guard lock(mutex_);
+    done_ = true;
+  }
+  changed_.notify_all();
+}
+
+}  // namespace find
