@@ -88,6 +88,21 @@ class TestFileContains : public QObject {
     QCOMPARE(s.foundIn(haystack.constData(), haystack.size()), found);
   }
 
+  // Random texts over a small alphabet, against a plain folded search.
+  void foldedAgainstPlainSearch() {
+    QRandomGenerator rng(1601);
+    const char alphabet[] = "aAbB.\xc3";
+    for (int round = 0; round < 3000; ++round) {
+      QByteArray hay, needle;
+      const int n = rng.bounded(1, 200), m = rng.bounded(1, 6);
+      for (int i = 0; i < n; ++i) hay.append(alphabet[rng.bounded(6)]);
+      for (int i = 0; i < m; ++i) needle.append(alphabet[rng.bounded(6)]);
+      const bool expected = hay.toLower().contains(needle.toLower());
+      QCOMPARE(Search(needle, false).foundIn(hay.constData(), hay.size()), expected);
+      QCOMPARE(Search(needle, true).foundIn(hay.constData(), hay.size()), hay.contains(needle));
+    }
+  }
+
   void files_data() {
     QTest::addColumn<qint64>("size");
     QTest::addColumn<QByteArray>("needle");
