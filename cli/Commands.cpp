@@ -2,15 +2,17 @@
 
 #include <array>
 
+#include "cli/FindCommand.h"
+#include "cli/ListCommand.h"
+
 namespace cli {
 
+int RunSettingsCommand(CliContext& ctx);
+
 // Each command lives in its own file and is listed here.
-int RunListCommand(CliContext& ctx);
-int RunDrivesCommand(CliContext& ctx);
-int RunFindCommand(CliContext& ctx);
 
 std::span<const Command> AllCommands() {
-  static const std::array<Command, 3> commands = {{
+  static const std::array<Command, 4> commands = {{
       {"list",
        "[--size-format 0..8] [--date-style 0..3] [--time-style 0..3] [--sort COLUMN[:asc|:desc]] [--no-group] "
        "[--no-header] FOLDER",
@@ -25,6 +27,8 @@ std::span<const Command> AllCommands() {
        "find files as the Find Files tab does (a group counts when one of its options is given; sizes in KB "
        "unless --size-unit; summary on standard error)",
        RunFindCommand},
+      {"settings", "[--defaults] [--write] [--screen WxH] [--no-header]",
+       "show every setting as the settings file holds it; --write saves them all", RunSettingsCommand},
   }};
   return commands;
 }

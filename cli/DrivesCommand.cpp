@@ -1,13 +1,10 @@
 #include "browser/list/ListFill.h"
 #include "browser/list/ListModel.h"
 #include "browser/list/ListPrinter.h"
-#include "cli/ArgParser.h"
-#include "cli/CliContext.h"
+#include "cli/ListCommand.h"
 #include "core/ListModes.h"
 
 namespace cli {
-
-bool PrepareListModel(CliContext& ctx, int mode, ArgParser* parser, browser::ListModel* model, const char* command);
 
 int RunDrivesCommand(CliContext& ctx) {
   ArgParser parser;

@@ -3,14 +3,13 @@
 #include "browser/list/ListModel.h"
 #include "browser/list/ListPrinter.h"
 #include "browser/list/RowBuilder.h"
+#include "cli/ListCommand.h"
 #include "core/AttributeText.h"
 #include "core/ListModes.h"
 #include "find/BuildCriteria.h"
 #include "find/FindJob.h"
 
 namespace cli {
-
-bool PrepareListModel(CliContext& ctx, int mode, ArgParser* parser, browser::ListModel* model, const char* command);
 
 namespace {
 

@@ -1,8 +1,7 @@
 #include "browser/list/ListFill.h"
 #include "browser/list/ListModel.h"
 #include "browser/list/ListPrinter.h"
-#include "cli/ArgParser.h"
-#include "cli/CliContext.h"
+#include "cli/ListCommand.h"
 #include "core/ListModes.h"
 #include "platform/DirEntry.h"
 #include "platform/FolderReader.h"
@@ -42,7 +41,6 @@ bool ApplySort(browser::ListModel* model, const QString& spec, QString* error) {
 
 }  // namespace
 
-// Shared by "list" and "drives": options, mode set-up and sort.
 bool PrepareListModel(CliContext& ctx, int mode, ArgParser* parser, browser::ListModel* model, const char* command) {
   parser->option(QStringLiteral("size-format")).option(QStringLiteral("sort")).flag(QStringLiteral("no-header"));
   if (mode != core::kModeDrives)

@@ -58,6 +58,22 @@ IniFile::Line IniFile::ParseLine(QByteArray text, QByteArray eol) {
   return line;
 }
 
+IniFile::IniFile(const IniFile& other)
+    : lines_(other.lines_),
+      eol_(other.eol_),
+      byteSize_(other.byteSize_),
+      modified_(other.modified_),
+      origin_(other.origin_),
+      path_(other.path_),
+      error_(other.error_) {
+  buildIndex();
+}
+
+IniFile& IniFile::operator=(const IniFile& other) {
+  if (this != &other) *this = IniFile(other);
+  return *this;
+}
+
 IniFile IniFile::FromBytes(const QByteArray& bytes) {
   IniFile f;
   f.byteSize_ = bytes.size();
@@ -74,7 +90,13 @@ IniFile IniFile::FromBytes(const QByteArray& bytes) {
     f.lines_.push_back(ParseLine(bytes.mid(pos, end - pos), crlf ? QByteArrayLiteral("\r\n") : QByteArrayLiteral("\n")));
     pos = nl + 1;
   }
-  f.rebuildIndex();
+  for (const Line& l : f.lines_) {
+    if (!l.eol.isEmpty()) {
+      f.eol_ = l.eol;
+      break;
+    }
+  }
+  f.buildIndex();
   return f;
 }
 
@@ -169,27 +191,34 @@ QByteArray IniFile::toBytes() const {
 
 qint64 IniFile::byteSize() const { return byteSize_; }
 
-void IniFile::rebuildIndex() {
-  sections_.clear();
-  sectionIndex_.clear();
-  // Keys of a repeated section are shadowed by the first one: collect them
-  // into a section record that nothing looks up.
-  Section* current = nullptr;
-  for (qsizetype i = 0; i < qsizetype(lines_.size()); ++i) {
-    const Line& l = lines_[size_t(i)];
-    if (l.kind == Line::kSection) {
-      sections_.push_back(Section{});
-      current = &sections_.back();
-      current->header = i;
-      if (!sectionIndex_.contains(l.folded)) sectionIndex_.insert(l.folded, qsizetype(sections_.size()) - 1);
-    } else if (l.kind == Line::kKey && current) {
-      current->lastKey = i;
-      if (!current->keyLine.contains(l.folded)) {
-        current->keyLine.insert(l.folded, i);
-        current->keyOrder.push_back(i);
-      }
+void IniFile::indexLine(LineIt it) {
+  if (it->kind == Line::kSection) {
+    Section sec;
+    sec.header = it;
+    sec.first = !sectionIndex_.contains(it->folded);
+    if (sec.first) sectionIndex_.insert(it->folded, qsizetype(sections_.size()));
+    sections_.push_back(std::move(sec));
+  } else if (it->kind == Line::kKey && !sections_.empty()) {
+    // Keys of a repeated section land in its own record, which no lookup finds.
+    Section& sec = sections_.back();
+    sec.lastKey = it;
+    sec.hasKeys = true;
+    if (!sec.keyLine.contains(it->folded)) {
+      sec.keyLine.insert(it->folded, it);
+      sec.keyOrder.push_back(it);
     }
   }
+}
+
+void IniFile::buildIndex() {
+  sections_.clear();
+  sectionIndex_.clear();
+  for (LineIt it = lines_.begin(); it != lines_.end(); ++it) indexLine(it);
+}
+
+IniFile::Section* IniFile::findSection(QStringView section) {
+  const auto it = sectionIndex_.constFind(Fold(section));
+  return it == sectionIndex_.cend() ? nullptr : &sections_[size_t(*it)];
 }
 
 const IniFile::Section* IniFile::findSection(QStringView section) const {
@@ -197,16 +226,12 @@ const IniFile::Section* IniFile::findSection(QStringView section) const {
   return it == sectionIndex_.cend() ? nullptr : &sections_[size_t(*it)];
 }
 
-const IniFile::Line* IniFile::findKey(QStringView section, QStringView key) const {
-  const Section* s = findSection(section);
-  if (!s) return nullptr;
-  const auto it = s->keyLine.constFind(Fold(key));
-  return it == s->keyLine.cend() ? nullptr : &lines_[size_t(*it)];
-}
-
 std::optional<QString> IniFile::value(QStringView section, QStringView key) const {
-  const Line* l = findKey(section, key);
-  if (!l) return std::nullopt;
+  const Section* sec = findSection(section);
+  if (!sec) return std::nullopt;
+  const auto found = sec->keyLine.constFind(Fold(key));
+  if (found == sec->keyLine.cend()) return std::nullopt;
+  const Line* l = &**found;
   const QString raw = platform::FromNative(l->text.mid(l->valueStart));
   QStringView v = TrimView(raw);
   if (v.isEmpty()) return raw.isEmpty() ? QString() : QStringLiteral(" ");
@@ -232,37 +257,26 @@ QStringList IniFile::keys(QStringView section) const {
   QStringList names;
   if (const Section* s = findSection(section)) {
     names.reserve(qsizetype(s->keyOrder.size()));
-    for (qsizetype i : s->keyOrder) names.append(lines_[size_t(i)].name);
+    for (const LineIt& it : s->keyOrder) names.append(it->name);
   }
   return names;
 }
 
 QStringList IniFile::sections() const {
   QStringList names;
-  for (const Line& l : lines_) {
-    if (l.kind != Line::kSection) continue;
-    if (sections_[size_t(sectionIndex_.value(l.folded))].header == &l - lines_.data()) names.append(l.name);
-  }
+  for (const Section& sec : sections_)
+    if (sec.first) names.append(sec.header->name);
   return names;
 }
 
-QByteArray IniFile::defaultEol() const {
-  for (const Line& l : lines_)
-    if (!l.eol.isEmpty()) return l.eol;
-  return QByteArrayLiteral("\n");
-}
-
-void IniFile::insertLines(qsizetype pos, std::vector<Line> added) {
-  if (added.empty()) return;
-  const QByteArray eol = defaultEol();
-  for (Line& l : added) l.eol = eol;
+IniFile::LineIt IniFile::insertAfter(LineIt pos, Line line) {
+  line.eol = eol_;
   // A file that ended without a line break goes on ending without one.
-  if (pos == qsizetype(lines_.size()) && pos > 0 && lines_.back().eol.isEmpty()) {
-    lines_.back().eol = eol;
-    added.back().eol.clear();
+  if (pos != lines_.end() && std::next(pos) == lines_.end() && pos->eol.isEmpty()) {
+    pos->eol = eol_;
+    line.eol.clear();
   }
-  lines_.insert(lines_.begin() + pos, std::make_move_iterator(added.begin()), std::make_move_iterator(added.end()));
-  rebuildIndex();
+  return lines_.insert(std::next(pos), std::move(line));
 }
 
 bool IniFile::setValue(QStringView section, QStringView key, QStringView value) {
@@ -280,33 +294,48 @@ bool IniFile::setValue(QStringView section, QStringView key, QStringView value) 
     }
   }
   const QByteArray encoded = platform::ToNative(value.left(cut));
+  const bool wasModified = modified_;
 
-  const Section* s = findSection(sec);
-  if (s) {
+  modified_ = true;  // cleared again below when the value is already there
+  if (Section* s = findSection(sec)) {
     const auto it = s->keyLine.constFind(Fold(k));
     if (it != s->keyLine.cend()) {
-      Line& l = lines_[size_t(*it)];
+      Line& l = **it;
+      // Blanks after the "=" are kept unless the new value begins with its own.
       qsizetype start = l.valueStart;
-      while (start < l.text.size() && (l.text[start] == ' ' || l.text[start] == '\t')) ++start;
-      if (l.text.mid(start) == encoded) return true;
+      const bool keepLead = !encoded.isEmpty() && encoded[0] != ' ' && encoded[0] != '\t';
+      if (keepLead)
+        while (start < l.text.size() && (l.text[start] == ' ' || l.text[start] == '\t')) ++start;
+      if (l.text.mid(start) == encoded) {
+        modified_ = wasModified;
+        return true;
+      }
       l.text.truncate(start);
       l.text.append(encoded);
-      modified_ = true;
       return true;
     }
-    const qsizetype after = (s->lastKey >= 0 ? s->lastKey : s->header) + 1;
-    std::vector<Line> added;
-    added.push_back(ParseLine(platform::ToNative(k) + '=' + encoded, QByteArray()));
-    insertLines(after, std::move(added));
-    modified_ = true;
+    const LineIt after = s->hasKeys ? s->lastKey : s->header;
+    const LineIt added = insertAfter(after, ParseLine(platform::ToNative(k) + '=' + encoded, QByteArray()));
+    s->lastKey = added;
+    s->hasKeys = true;
+    s->keyLine.insert(added->folded, added);
+    s->keyOrder.push_back(added);
     return true;
   }
-  std::vector<Line> added;
-  if (!lines_.empty() && !TrimBytes(lines_.back().text).isEmpty()) added.push_back(Line{});
-  added.push_back(ParseLine('[' + platform::ToNative(sec) + ']', QByteArray()));
-  added.push_back(ParseLine(platform::ToNative(k) + '=' + encoded, QByteArray()));
-  insertLines(qsizetype(lines_.size()), std::move(added));
-  modified_ = true;
+  LineIt last = lines_.empty() ? lines_.end() : std::prev(lines_.end());
+  if (last != lines_.end() && !TrimBytes(last->text).isEmpty()) last = insertAfter(last, Line{});
+  auto append = [&](Line line) {
+    if (last == lines_.end()) {
+      line.eol = eol_;
+      lines_.push_back(std::move(line));
+      last = std::prev(lines_.end());
+    } else {
+      last = insertAfter(last, std::move(line));
+    }
+    indexLine(last);
+  };
+  append(ParseLine('[' + platform::ToNative(sec) + ']', QByteArray()));
+  append(ParseLine(platform::ToNative(k) + '=' + encoded, QByteArray()));
   return true;
 }
 

@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 #include <QStringView>
+#include <list>
 #include <optional>
 #include <vector>
 
@@ -35,6 +36,11 @@ class IniFile {
   static constexpr qint64 kMaxFileSize = 64 * 1024 * 1024;
 
   IniFile() = default;
+  // The index points into the line list: a copy builds its own.
+  IniFile(const IniFile& other);
+  IniFile& operator=(const IniFile& other);
+  IniFile(IniFile&&) noexcept = default;
+  IniFile& operator=(IniFile&&) noexcept = default;
   static IniFile FromBytes(const QByteArray& bytes);
 
   // Reads `path`. An absent file gives an empty document and true. False
@@ -80,23 +86,29 @@ class IniFile {
     QString folded;  // the name case-folded, for comparing
     qsizetype valueStart = 0;  // kKey: offset just past the "="
   };
+  using LineIt = std::list<Line>::iterator;
   struct Section {
-    qsizetype header = 0;
-    qsizetype lastKey = -1;  // last key line (duplicates included)
-    QHash<QString, qsizetype> keyLine;  // first of each name
-    std::vector<qsizetype> keyOrder;    // unique names in file order
+    LineIt header;
+    LineIt lastKey;        // last key line (duplicates included)
+    bool hasKeys = false;
+    bool first = false;    // the one lookups find (not a later duplicate)
+    QHash<QString, LineIt> keyLine;  // first of each name
+    std::vector<LineIt> keyOrder;    // unique names in file order
   };
 
   static Line ParseLine(QByteArray text, QByteArray eol);
-  void rebuildIndex();
+  void buildIndex();
+  void indexLine(LineIt it);
+  Section* findSection(QStringView section);
   const Section* findSection(QStringView section) const;
-  const Line* findKey(QStringView section, QStringView key) const;
-  QByteArray defaultEol() const;
-  void insertLines(qsizetype pos, std::vector<Line> added);
+  LineIt insertAfter(LineIt pos, Line line);
 
-  std::vector<Line> lines_;
+  // Lines live in a list so that the index's iterators survive insertions:
+  // adding thousands of keys stays linear.
+  std::list<Line> lines_;
   std::vector<Section> sections_;
   QHash<QString, qsizetype> sectionIndex_;  // folded name -> first section
+  QByteArray eol_ = QByteArrayLiteral("\n");  // line end for new lines
   qint64 byteSize_ = 0;
   bool modified_ = false;
   Origin origin_ = Origin::Empty;

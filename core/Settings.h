@@ -110,7 +110,9 @@ struct AppSettings {
   FileView fileView;
   Report report;
   Styles styles;
-  std::array<ModeRecord, kModeCount> lists;  // "ListBrowse", "ListFind", "ListDrives"
+  // "ListBrowse", "ListFind", "ListDrives"; the record's name names the section.
+  std::array<ModeRecord, kModeCount> lists = {DefaultModeRecord(kModeBrowse), DefaultModeRecord(kModeFind),
+                                              DefaultModeRecord(kModeDrives)};
   QStringList copyTo;     // "CopyTo": Count, CopyTo0...
   QStringList moveTo;     // "MoveTo": Count, MoveTo0...
   QStringList favorites;  // "Favorites": Count, Fav0...

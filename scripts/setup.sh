@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs the Debian 12 packages the build, the tests and (with --bench) the
-# benchmarks need. Idempotent and non-interactive; quick when all is there.
+# benchmarks or (with --fuzz) the libFuzzer harnesses need. Idempotent and
+# non-interactive; quick when all is there.
 set -euo pipefail
 
 packages=(
@@ -11,10 +12,14 @@ packages=(
   xvfb xauth
 )
 bench_packages=(libbenchmark-dev hyperfine fd-find ripgrep bfs findutils grep)
+fuzz_packages=(clang libclang-rt-14-dev)
 
-if [[ "${1:-}" == "--bench" ]]; then
-  packages+=("${bench_packages[@]}")
-fi
+for arg in "$@"; do
+  case "$arg" in
+    --bench) packages+=("${bench_packages[@]}") ;;
+    --fuzz) packages+=("${fuzz_packages[@]}") ;;
+  esac
+done
 
 missing=()
 for p in "${packages[@]}"; do

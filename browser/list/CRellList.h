@@ -50,7 +50,8 @@ class CRellList : public QAbstractScrollArea {
   FillResult fillBrowse(const QString& folder, const FillContext& context);
   FillResult fillDrives(const FillContext& context);
   // For rows added by the owner (find results): begin, add through
-  // model()/RowBuilder, then finish to sort and show them.
+  // model()/RowBuilder (refresh() shows the rows so far), then finish to sort
+  // and show them.
   void beginFill();
   void finishFill();
 
@@ -91,7 +92,8 @@ class CRellList : public QAbstractScrollArea {
   void StatusBytes(double dBytesTotal, double dBytesFree);
   void Drop(const QStringList& sDropData, Qt::DropAction Effect, int lHit);
   void QueryPopup(int lHit, const QPoint& globalPos, bool byKey);
-  // The owner renames the file and sets *accept, or leaves it false to refuse.
+  // The owner renames the file and sets *accept (the row then shows the new
+  // name), or leaves it false to refuse.
   void QueryRename(const QString& sFile, const QString& sNewName, bool* accept);
 
  protected:
@@ -108,6 +110,7 @@ class CRellList : public QAbstractScrollArea {
   void dropEvent(QDropEvent* event) override;
   void scrollContentsBy(int dx, int dy) override;
   bool viewportEvent(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
   friend class CRellListHeader;

@@ -1,6 +1,7 @@
 #include "browser/list/ListModel.h"
 
 #include <algorithm>
+#include <array>
 
 #include "browser/list/FoldCase.h"
 #include "browser/list/ListSorter.h"
@@ -14,9 +15,38 @@
 namespace browser {
 
 // Date and time patterns compiled once per format change, not per cell.
+// Where the date text depends on the day alone, the texts of recent days are
+// kept: a folder's files share few days, and month names are costly to ask.
 struct ListModel::Formats {
+  Formats(QStringView datePattern, QStringView timePattern) : date(datePattern), time(timePattern) {
+    core::LocalTime a{2001, 2, 3, 1, 2, 3, 4, 6};
+    core::LocalTime b{2001, 2, 3, 13, 40, 50, 999, 6};
+    dateByDay = date.format(a) == date.format(b);
+  }
+
+  void appendDate(QString* out, const core::LocalTime& t) const {
+    if (!dateByDay) {
+      date.appendTo(out, t);
+      return;
+    }
+    const qint32 key = (t.year * 13 + t.month) * 32 + t.day;
+    Day& d = days[size_t(key) % days.size()];
+    if (d.key != key) {
+      d.text.clear();
+      date.appendTo(&d.text, t);
+      d.key = key;
+    }
+    out->append(d.text);
+  }
+
   core::DatePattern date;
   core::DatePattern time;
+  bool dateByDay = false;
+  struct Day {
+    qint32 key = -1;
+    QString text;
+  };
+  mutable std::array<Day, 1024> days;
 };
 
 namespace {
@@ -83,8 +113,7 @@ void ListModel::setFormats(int sizeFormat, int dateStyle, int timeStyle) {
   sizeFormat_ = sizeFormat;
   dateStyle_ = dateStyle;
   timeStyle_ = timeStyle;
-  formats_ = std::make_shared<const Formats>(
-      Formats{core::DatePattern(core::DateStylePattern(dateStyle)), core::DatePattern(core::TimeStylePattern(timeStyle))});
+  formats_ = std::make_shared<const Formats>(core::DateStylePattern(dateStyle), core::TimeStylePattern(timeStyle));
 }
 
 // ---- rows ----
@@ -135,8 +164,14 @@ void ListModel::appendDataText(QString* out, RowId id, int dataIndex) const {
   }
   const RowStore::FileRow& r = rows_.file(id);
   switch (dataIndex) {
-    case core::kSlotName: AppendDisplay(out, rows_.name(r)); break;
-    case core::kSlotExt: AppendDisplay(out, rows_.extension(r)); break;
+    case core::kSlotName:
+      if (r.flags & RowStore::kEscaped) AppendDisplay(out, rows_.name(r));
+      else out->append(rows_.name(r));
+      break;
+    case core::kSlotExt:
+      if (r.flags & RowStore::kEscaped) AppendDisplay(out, rows_.extension(r));
+      else out->append(rows_.extension(r));
+      break;
     case core::kSlotSize: out->append(core::FormatSize(double(r.size), sizeFormat_, clusterSize_)); break;
     case core::kSlotType: out->append(rows_.type(r.type).name); break;
     case core::kSlotCreated:
@@ -149,7 +184,7 @@ void ListModel::appendDataText(QString* out, RowId id, int dataIndex) const {
         out->append(QStringLiteral("(unknown)"));
         break;
       }
-      formats_->date.appendTo(out, local);
+      formats_->appendDate(out, local);
       out->append(u' ');
       formats_->time.appendTo(out, local);
       break;

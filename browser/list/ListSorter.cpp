@@ -14,24 +14,58 @@ namespace {
 
 using FileRow = RowStore::FileRow;
 
+// A row being sorted with the head of its key: 128 bits that order as the
+// key does, and whether they hold the whole key (then equal heads are equal keys).
 struct Elem {
-  quint64 prefix;
+  quint64 high;
+  quint64 low;
   RowId row;
+  quint32 whole;
+};
+
+struct Head {
+  quint64 high = 0;
+  quint64 low = 0;
+  bool whole = true;
 };
 
 int Sign(int v) { return v < 0 ? -1 : v > 0 ? 1 : 0; }
 int Cmp64(quint64 a, quint64 b) { return a < b ? -1 : a > b ? 1 : 0; }
 
-// Up to four UTF-16 units, the fourth cut to `lastBits` bits, packed so that
-// integer order is the order of the texts (padding 0 sorts before any unit).
-quint64 PackUnits(QStringView s, int firstShift) {
-  quint64 v = 0;
-  int shift = firstShift;
-  for (qsizetype i = 0; i < s.size() && shift > -16; ++i, shift -= 16) {
-    const quint64 unit = s.utf16()[i];
-    v |= shift >= 0 ? unit << shift : unit >> -shift;
+// The first code units of a text packed into `bits` (at most 128) bits so
+// that integer order follows the text's code-unit order: units below 0xFF
+// take one byte, others 0xFF and the 16-bit unit (a monotone, prefix-free
+// code), cut at the last bit; the end pads with zeros, which sorts before any
+// continuation. A text without zero units that fits is held whole.
+Head PackUnits(QStringView s, int bits) {
+  unsigned __int128 v = 0;
+  int left = bits;
+  bool whole = true;
+  auto put = [&](quint64 code, int n) {
+    if (n <= left) {
+      v = (v << n) | code;
+      left -= n;
+    } else {
+      v = (v << left) | (code >> (n - left));
+      left = 0;
+      whole = false;
+    }
+  };
+  const char16_t* u = s.utf16();
+  qsizetype i = 0;
+  for (; i < s.size() && left > 0; ++i) {
+    if (u[i] == 0) whole = false;
+    if (u[i] < 0xFF) {
+      put(u[i], 8);
+    } else {
+      put(0xFF, 8);
+      if (left > 0) put(u[i], 16);
+      else whole = false;
+    }
   }
-  return v;
+  if (i < s.size()) whole = false;
+  if (left > 0) v = left >= 128 ? 0 : v << left;
+  return {quint64(v >> 64), quint64(v), whole};
 }
 
 quint64 Stamp(const FileRow& r, int slot) {
@@ -118,40 +152,39 @@ class SlotComparer {
     if (mode_ != Mode::kFiles) return;
     if (slot == core::kSlotType) {
       rank_ = Ranks(rows.typeCount(), [&](quint32 i) { return QStringView(rows.type(quint16(i)).folded); });
-      exact_ = true;
     } else if (slot == core::kSlotPath) {
       std::vector<QString> folded(rows.folderCount());
       for (quint32 i = 0; i < rows.folderCount(); ++i) folded[i] = FoldCase(rows.folder(i));
       rank_ = Ranks(rows.folderCount(), [&](quint32 i) { return QStringView(folded[i]); });
-      exact_ = true;
-    } else if (slot == core::kSlotAttr || !(slot == core::kSlotName || slot == core::kSlotExt || IsStampSlot(slot))) {
-      exact_ = true;
     }
   }
 
-  quint64 prefix(RowId id) const {
-    if (mode_ != Mode::kFiles) return 0;
+  Head head(RowId id) const {
+    if (mode_ != Mode::kFiles) return {0, 0, false};
     const FileRow& r = rows_.file(id);
     switch (slot_) {
       case core::kSlotName: {
-        const quint64 group = marked_ && !Folder(r) ? 1ull << 63 : 0;
-        return group | PackUnits(rows_.folded(r), 47);
+        Head h = PackUnits(rows_.folded(r), 127);
+        if (marked_ && !Folder(r)) h.high |= 1ull << 63;  // "1" (file) after "0" (folder)
+        return h;
       }
-      case core::kSlotExt: return PackUnits(rows_.extension(r), 48);
-      case core::kSlotType: return rank_[r.type];
-      case core::kSlotPath: return rank_[r.folder];
-      case core::kSlotAttr: return AttributeOrder(r.attributes);
+      case core::kSlotExt: return PackUnits(rows_.extension(r), 128);
+      case core::kSlotType: return {rank_[r.type], 0, true};
+      case core::kSlotPath: return {rank_[r.folder], 0, true};
+      case core::kSlotAttr: return {AttributeOrder(r.attributes), 0, true};
       default:
-        if (!IsStampSlot(slot_)) return 0;
-        return (marked_ && Folder(r) ? 1ull << 63 : 0) | (Stamp(r, slot_) >> 1);
+        if (!IsStampSlot(slot_)) return {};
+        // "9" (folder) after "8" (file), then the 64-bit value.
+        return {marked_ && Folder(r) ? 1u : 0u, Stamp(r, slot_), true};
     }
   }
 
   // Three-way, already turned for the direction.
   int operator()(const Elem& a, const Elem& b) const {
     int r;
-    if (a.prefix != b.prefix) r = a.prefix < b.prefix ? -1 : 1;
-    else if (exact_) r = 0;
+    if (a.high != b.high) r = a.high < b.high ? -1 : 1;
+    else if (a.low != b.low) r = a.low < b.low ? -1 : 1;
+    else if (a.whole & b.whole) r = 0;
     else r = full(a.row, b.row);
     return descending_ ? -r : r;
   }
@@ -175,7 +208,6 @@ class SlotComparer {
   bool descending_;
   Mode mode_ = Mode::kFiles;
   bool marked_ = false;
-  bool exact_ = false;
   std::vector<quint32> rank_;
 };
 
@@ -214,7 +246,16 @@ void ListSorter::Sort(const RowStore& rows, std::vector<RowId>* display, int pri
   const SlotComparer primary(rows, *display, primarySlot, descending);
   std::vector<Elem> elems;
   elems.resize(size_t(n));
-  for (qint64 i = 0; i < n; ++i) elems[size_t(i)] = {primary.prefix((*display)[size_t(i)]), (*display)[size_t(i)]};
+  auto setHead = [](Elem* e, const SlotComparer& cmp) {
+    const Head h = cmp.head(e->row);
+    e->high = h.high;
+    e->low = h.low;
+    e->whole = h.whole;
+  };
+  for (qint64 i = 0; i < n; ++i) {
+    elems[size_t(i)].row = (*display)[size_t(i)];
+    setHead(&elems[size_t(i)], primary);
+  }
   QuickSort(elems.data(), 0, n - 1, primary);
 
   if (secondarySlot >= 0) {
@@ -224,7 +265,7 @@ void ListSorter::Sort(const RowStore& rows, std::vector<RowId>* display, int pri
       qint64 e = k;
       while (e + 1 < n && primary(elems[size_t(e)], elems[size_t(e + 1)]) == 0) ++e;
       if (e > k) {
-        for (qint64 t = k; t <= e; ++t) elems[size_t(t)].prefix = secondary.prefix(elems[size_t(t)].row);
+        for (qint64 t = k; t <= e; ++t) setHead(&elems[size_t(t)], secondary);
         QuickSort(elems.data(), k, e, secondary);
       }
       k = e + 1;

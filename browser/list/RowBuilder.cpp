@@ -1,31 +1,27 @@
 #include "browser/list/RowBuilder.h"
 
+#include <QHash>
 #include <QMimeDatabase>
-#include <cstdio>
 
 #include "browser/list/FoldCase.h"
 #include "browser/list/ListModel.h"
-#include "platform/NativePath.h"
 
 namespace browser {
 
 namespace {
 
-// The first bytes of a file, for content sniffing; empty if it cannot be read.
-QByteArray Head(const QString& path) {
-  QByteArray data;
-  FILE* f = std::fopen(platform::ToNative(path).constData(), "rb");
-  if (!f) return data;
-  data.resize(512);
-  data.resize(qsizetype(std::fread(data.data(), 1, size_t(data.size()), f)));
-  std::fclose(f);
-  return data;
-}
-
+// Comments and icon names are read from the MIME database's files; each
+// MIME type is asked once per process.
 RowBuilder::TypeName FromMime(const QMimeType& mime) {
+  static QHash<QString, RowBuilder::TypeName> known;
+  const QString name = mime.name();
+  const auto it = known.constFind(name);
+  if (it != known.constEnd()) return *it;
   QString icon = mime.iconName();
   if (icon.isEmpty()) icon = mime.genericIconName();
-  return {mime.comment(), icon};
+  const RowBuilder::TypeName t{mime.comment(), icon};
+  known.insert(name, t);
+  return t;
 }
 
 }  // namespace
@@ -44,36 +40,38 @@ bool RowBuilder::AskedOneByOne(QStringView extension) {
   return false;
 }
 
-RowBuilder::TypeName RowBuilder::typeOf(const platform::DirEntry& entry, const QString& folder) {
+RowBuilder::TypeName RowBuilder::typeOf(const platform::DirEntry& entry) {
   static const QMimeDatabase db;
   if (entry.isDirectory()) return FromMime(db.mimeTypeForName(QStringLiteral("inode/directory")));
   const QStringView ext = ExtensionOf(entry.name);
-  if (AskedOneByOne(ext)) return FromMime(db.mimeTypeForFileNameAndData(entry.name, Head(folder + entry.name)));
+  // These carry their own icons; each file is asked about by its own name.
+  if (AskedOneByOne(ext)) return FromMime(db.mimeTypeForFile(entry.name, QMimeDatabase::MatchExtension));
   // By extension alone, so that every name with it shares one answer.
   const QString probe = ext.isEmpty() ? QStringLiteral("x") : QStringLiteral("x.") + ext.toString();
   return FromMime(db.mimeTypeForFile(probe, QMimeDatabase::MatchExtension));
 }
 
-quint16 RowBuilder::typeIndex(const platform::DirEntry& entry, const QString& folder) {
+quint16 RowBuilder::typeIndex(const platform::DirEntry& entry) {
   // The model's type table goes with its rows; so does this cache.
   if (model_->store().typeCount() == 0) cache_.clear();
   const QStringView ext = ExtensionOf(entry.name);
   const bool single = !entry.isDirectory() && AskedOneByOne(ext);
-  QString key;
   if (!single) {
-    key = entry.isDirectory() ? QStringLiteral("d:") : QStringLiteral("f:");
-    key.append(FoldCase(ext));
-    const auto it = cache_.constFind(key);
-    if (it != cache_.constEnd()) return *it;
+    // The key is built in a reused buffer: no allocation per row once warm.
+    key_.assign(1, entry.isDirectory() ? u'd' : u'f');
+    key_.resize(size_t(ext.size()) + 1);
+    FoldInto(ext, key_.data() + 1);
+    const auto it = cache_.find(key_);
+    if (it != cache_.end()) return it->second;
   }
-  const TypeName t = typeOf(entry, folder);
+  const TypeName t = typeOf(entry);
   const quint16 index = model_->store().internType(t.name, t.iconKey);
-  if (!single) cache_.insert(key, index);
+  if (!single) cache_.emplace(key_, index);
   return index;
 }
 
 void RowBuilder::add(const platform::DirEntry& entry, const QString& folder) {
-  model_->addFileRow(entry, folder, typeIndex(entry, folder));
+  model_->addFileRow(entry, folder, typeIndex(entry));
 }
 
 }  // namespace browser

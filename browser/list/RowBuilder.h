@@ -1,6 +1,7 @@
 #pragma once
-#include <QHash>
 #include <QString>
+#include <string>
+#include <unordered_map>
 
 #include "platform/DirEntry.h"
 
@@ -23,15 +24,16 @@ class RowBuilder {
     QString name;
     QString iconKey;
   };
-  TypeName typeOf(const platform::DirEntry& entry, const QString& folder);
+  TypeName typeOf(const platform::DirEntry& entry);
   static bool AskedOneByOne(QStringView extension);
   static QStringView ExtensionOf(QStringView name);
 
  private:
-  quint16 typeIndex(const platform::DirEntry& entry, const QString& folder);
+  quint16 typeIndex(const platform::DirEntry& entry);
 
   ListModel* model_;
-  QHash<QString, quint16> cache_;  // "d:" / "f:" + folded extension
+  std::unordered_map<std::u16string, quint16> cache_;  // "d" / "f" + folded extension
+  std::u16string key_;
 };
 
 }  // namespace browser

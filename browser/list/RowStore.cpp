@@ -44,19 +44,27 @@ quint32 RowStore::store(QStringView text) {
   return offset;
 }
 
-RowId RowStore::addFile(const platform::DirEntry& entry, quint32 folder, quint16 type, bool marked) {
-  FileRow r{};
+void RowStore::setName(FileRow* r, QStringView fullName) {
   // Names come from a directory entry and are short; the cap only guards the arena.
-  const QStringView name = QStringView(entry.name).left(kMaxName);
-  r.length = quint16(name.size());
-  r.name = store(name);
+  const QStringView name = fullName.left(kMaxName);
+  r->length = quint16(name.size());
+  r->name = store(name);
   char16_t buffer[kMaxName];
   FoldInto(name, buffer);
-  r.folded = std::memcmp(buffer, name.utf16(), name.size() * sizeof(char16_t)) == 0
-                 ? r.name
-                 : store(QStringView(buffer, name.size()));
+  r->folded = std::memcmp(buffer, name.utf16(), size_t(name.size()) * sizeof(char16_t)) == 0
+                  ? r->name
+                  : store(QStringView(buffer, name.size()));
   const qsizetype dot = name.lastIndexOf(u'.');
-  r.extStart = quint16(dot < 0 ? name.size() : dot + 1);
+  r->extStart = quint16(dot < 0 ? name.size() : dot + 1);
+  bool escaped = false;  // bytes that were not UTF-8, shown as U+FFFD
+  for (QChar c : name) escaped = escaped || (c.unicode() >= 0xDC80 && c.unicode() <= 0xDCFF);
+  r->flags = quint8((r->flags & ~kEscaped) | (escaped ? kEscaped : 0));
+}
+
+RowId RowStore::addFile(const platform::DirEntry& entry, quint32 folder, quint16 type, bool marked) {
+  FileRow r{};
+  r.flags = (entry.isDirectory() ? kFolder : 0) | (marked ? kMarked : 0) | (entry.isLink ? kLink : 0);
+  setName(&r, entry.name);
   r.size = entry.size;
   r.created = entry.creationTime;
   r.modified = entry.lastWriteTime;
@@ -64,9 +72,12 @@ RowId RowStore::addFile(const platform::DirEntry& entry, quint32 folder, quint16
   r.folder = folder;
   r.attributes = quint16(entry.attributes);
   r.type = type;
-  r.flags = (entry.isDirectory() ? kFolder : 0) | (marked ? kMarked : 0) | (entry.isLink ? kLink : 0);
   files_.push_back(r);
   return RowId(files_.size() - 1);
+}
+
+void RowStore::renameFile(RowId id, QStringView name) {
+  if (!IsTextRow(id) && id < files_.size()) setName(&files_[id], name);
 }
 
 RowId RowStore::addText(TextRowData data) {

@@ -49,7 +49,7 @@ class RowStore {
     quint16 type;      // interned type number
     quint8 flags;
   };
-  enum FileFlag : quint8 { kSelected = 1, kFolder = 2, kMarked = 4, kLink = 8 };
+  enum FileFlag : quint8 { kSelected = 1, kFolder = 2, kMarked = 4, kLink = 8, kEscaped = 16 };
 
   struct TypeInfo {
     QString name;
@@ -67,6 +67,8 @@ class RowStore {
   // `marked`: the row carries a group mark (grouping was on when it was added).
   RowId addFile(const platform::DirEntry& entry, quint32 folder, quint16 type, bool marked);
   RowId addText(TextRowData data);
+  // Gives a file row a new name (after a rename on disk).
+  void renameFile(RowId id, QStringView name);
 
   quint32 internFolder(const QString& folder);
   quint16 internType(const QString& typeName, const QString& iconKey);
@@ -106,6 +108,7 @@ class RowStore {
   };
   const QChar* chars(quint32 offset) const;
   quint32 store(QStringView text);
+  void setName(FileRow* r, QStringView name);
 
   std::vector<FileRow> files_;
   std::vector<TextRow> texts_;

@@ -5,7 +5,7 @@
 #include "browser/list/ListModel.h"
 #include "browser/list/ListPrinter.h"
 #include "browser/list/RowBuilder.h"
-#include "cli/CliContext.h"
+#include "cli/ListCommand.h"
 #include "core/DateStyles.h"
 #include "platform/FileTime.h"
 #include "platform/NativePath.h"
@@ -16,10 +16,6 @@ using browser::FillContext;
 using browser::FillResult;
 using browser::ListFill;
 using browser::ListModel;
-
-namespace cli {
-int RunListCommand(CliContext& ctx);
-}
 
 class tst_ListFill : public QObject {
   Q_OBJECT

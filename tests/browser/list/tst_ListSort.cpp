@@ -75,6 +75,8 @@ const quint64 kValues[] = {0, 1, 15, 16, 255, 0xffffffffull, 0x100000000ull, 0x1
 QString RandomName(QRandomGenerator& rng) {
   static const QString alphabet = QStringLiteral("aAbB_.~ \u00e9\u00c91\u03a9\u03c9z");
   QString s;
+  // Some long names that share a head, so that keys are told apart past it.
+  if (rng.bounded(3) == 0) s = rng.bounded(2) ? QStringLiteral("LongSharedHead_\u03a9x") : QStringLiteral("longsharedhead_");
   const int len = 1 + int(rng.bounded(6));
   for (int i = 0; i < len; ++i) s.append(alphabet[int(rng.bounded(quint32(alphabet.size())))]);
   return s;
