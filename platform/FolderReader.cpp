@@ -8,6 +8,11 @@
 #include <sys/vfs.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <cstdio>
+#include <cstring>
+
+#include "platform/Clock.h"
 #include "platform/FileTime.h"
 #include "platform/NativePath.h"
 
@@ -63,6 +68,31 @@ bool StatAt(int dirFd, const QString& name, const QByteArray& native, bool vfat,
 
 const QString kEmpty;
 
+// Whether any FAT file system is mounted: only then can a folder need the
+// short-name reader, and only then is the file system of each folder asked.
+// The mount table is read again when the answer is older than two seconds.
+bool FatMounted() {
+  static std::atomic<qint64> checkedAt{-1};
+  static std::atomic<bool> mounted{false};
+  const qint64 now = MonotonicMs();
+  const qint64 last = checkedAt.load(std::memory_order_relaxed);
+  if (last >= 0 && now - last < 2000) return mounted.load(std::memory_order_relaxed);
+  bool any = true;  // when the table cannot be read, ask every folder
+  if (FILE* f = std::fopen("/proc/self/mountinfo", "re")) {
+    any = false;
+    char line[4096];
+    while (!any && std::fgets(line, sizeof line, f)) {
+      // "... - fstype source options": the type follows the separator.
+      const char* sep = std::strstr(line, " - ");
+      if (sep && (std::strncmp(sep + 3, "vfat ", 5) == 0 || std::strncmp(sep + 3, "msdos ", 6) == 0)) any = true;
+    }
+    std::fclose(f);
+  }
+  mounted.store(any, std::memory_order_relaxed);
+  checkedAt.store(now, std::memory_order_relaxed);
+  return any;
+}
+
 }  // namespace
 
 FolderReader::FolderReader(const QString& folder) {
@@ -85,7 +115,7 @@ FolderReader::~FolderReader() {
 void FolderReader::read() {
   if (fd_ < 0) return;
   struct statfs fs {};
-  vfat_ = fstatfs(fd_, &fs) == 0 && fs.f_type == MSDOS_SUPER_MAGIC;
+  vfat_ = FatMounted() && fstatfs(fd_, &fs) == 0 && fs.f_type == MSDOS_SUPER_MAGIC;
   if (vfat_) readVfat();
   if (!vfat_) readPlain();
 }
@@ -147,6 +177,8 @@ bool FolderReader::isWalkableFolder(qsizetype i) const {
   return statx(fd_, native.constData(), AT_SYMLINK_NOFOLLOW | AT_STATX_DONT_SYNC, STATX_TYPE, &st) == 0 &&
          S_ISDIR(st.stx_mode);
 }
+
+bool FolderReader::isRegularFile(qsizetype i) const { return types_[size_t(i)] == DT_REG; }
 
 bool FolderReader::stat(qsizetype i, DirEntry* out) const {
   const QString& n = names_[size_t(i)];

@@ -26,6 +26,9 @@ class FolderReader {
 
   // A directory that a walk may enter: a real folder, never a link to one.
   bool isWalkableFolder(qsizetype i) const;
+  // A plain file, as far as the folder listing tells without a stat (false
+  // where it does not tell, and for links).
+  bool isRegularFile(qsizetype i) const;
   // Fills `out` with the entry's data; false if it vanished meanwhile.
   bool stat(qsizetype i, DirEntry* out) const;
   // Opens entry i relative to the folder (open(2) flags); -1 on failure.
