@@ -28,48 +28,39 @@ qsizetype ReadFully(int fd, char* buffer, qsizetype size) {
   return done;
 }
 
-// The read itself, on an open regular file of `length` bytes.
-bool SearchFile(int fd, qint64 length, const TextSearch& search, const YieldHook& yield) {
-  if (length <= kContainsBlock) {
-    char buffer[kContainsBlock];
-    const qsizetype got = ReadFully(fd, buffer, qsizetype(length));
-    return search.foundIn(buffer, got);
-  }
-  const qsizetype overlap = search.maxMatchLength() - 1;
-  const qsizetype step = kContainsBlock - overlap;
-  const qint64 fullBlocks = length / step;
-  std::vector<char> buffer(static_cast<size_t>(kContainsBlock));
-  char* const b = buffer.data();
-#ifdef POSIX_FADV_SEQUENTIAL
-  posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
-#endif
-  // Block k covers [k * step, k * step + block): the last `overlap` bytes of
-  // one block are the first of the next, so they move instead of being re-read.
+// The read itself, on an open regular file, block by block up to its end.
+// Block k covers [k * step, k * step + block) with step = block - overlap: the
+// last `overlap` bytes of one block are the first of the next, so that a
+// match across a block boundary is seen whole; they move instead of being
+// read again. The file is read to its end rather than to a length taken
+// before, which searches the same bytes and needs no extra call.
+bool SearchFile(int fd, const TextSearch& search, const YieldHook& yield) {
+  const qsizetype overlap = search.maxMatchLength() > 1 ? search.maxMatchLength() - 1 : 0;
+  char b[kContainsBlock];
   qsizetype have = 0;
-  for (qint64 k = 0; k < fullBlocks; ++k) {
-    if (yield) yield();
-    if (core::JobFlags::AbortRequested()) return false;
-    if (k > 0) {
+  for (qint64 block = 0;; ++block) {
+    if (block > 0) {
+      if (yield) yield();
+      if (core::JobFlags::AbortRequested()) return false;
+      if (block == 1) posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
       const qsizetype keep = have < overlap ? have : overlap;
       std::memmove(b, b + have - keep, size_t(keep));
       have = keep;
     }
-    have += ReadFully(fd, b + have, kContainsBlock - have);
+    const qsizetype want = kContainsBlock - have;
+    const qsizetype got = ReadFully(fd, b + have, want);
+    if (got == 0 && block > 0) return false;  // nothing new: the rest was searched already
+    have += got;
     if (search.foundIn(b, have)) return true;
-    if (have < kContainsBlock) return false;  // this block reached the end of the file
+    if (got < want) return false;  // the end of the file
   }
-  // The tail: from the next block's start to the end of the file.
-  const qsizetype keep = have < overlap ? have : overlap;
-  std::memmove(b, b + have - keep, size_t(keep));
-  const qsizetype tail = qsizetype(length - fullBlocks * step);
-  const qsizetype got = keep + ReadFully(fd, b + keep, tail - keep > 0 ? tail - keep : 0);
-  return search.foundIn(b, got);
 }
 
 }  // namespace
 
 bool FileContains(const TextSearch& search, const QString& path, const YieldHook& yield, EntryInFolder where) {
   if (search.text().size() > kContainsBlock || search.maxMatchLength() > kContainsBlock) return false;
+  if (where.size == 0) return false;  // empty files hold nothing
   auto openFile = [&](int flags) {
     if (where.folder) return where.folder->openEntry(where.index, flags);
     return open(platform::ToNative(path).constData(), flags | O_CLOEXEC);
@@ -84,13 +75,14 @@ bool FileContains(const TextSearch& search, const QString& path, const YieldHook
   }
   if (fd < 0) return false;
 
+  // Only regular files are read (a device could be endless). The caller may
+  // know that already; the time guard needs the times anyway.
   struct stat before {};
-  if (fstat(fd, &before) != 0 || !S_ISREG(before.st_mode) || before.st_size == 0) {
+  if ((!where.regular || !noAtime) && (fstat(fd, &before) != 0 || !S_ISREG(before.st_mode))) {
     close(fd);
     return false;
   }
-  // An empty text is found in any file that holds something.
-  const bool found = search.text().isEmpty() || SearchFile(fd, before.st_size, search, yield);
+  const bool found = SearchFile(fd, search, yield);
 
   if (!noAtime) {
     struct stat after {};

@@ -14,19 +14,24 @@ inline constexpr qsizetype kContainsBlock = 32768;
 // Called between blocks so that a window can take its input (and Escape).
 using YieldHook = std::function<void()>;
 
-// An entry of a folder being read, when the caller has it: the file is then
-// opened relative to that folder instead of by its whole path.
+// What the caller knows of the file: the folder being read and the entry's
+// index in it (the file is then opened relative to the folder instead of by
+// its whole path), that it is a regular file, and its size (-1: unknown).
 struct EntryInFolder {
   const platform::FolderReader* folder = nullptr;
   qsizetype index = -1;
+  bool regular = false;
+  qint64 size = -1;
 };
 
 // Whether the file at `path` holds the search text (in its compare mode).
-// Bigger files are read in blocks of kContainsBlock that overlap by the
-// longest match minus one byte, then the tail; memory stays bounded. A text
-// longer than a block is never found; empty and unreadable files, folders and
-// devices hold nothing. The process-wide abort flag is polled before every
-// block: an abort ends the search at once with no match.
+// Files up to kContainsBlock bytes are read whole; bigger ones in blocks of
+// that size which overlap by the longest match minus one byte, up to the
+// end; memory stays bounded. A text longer than a block is never found;
+// empty and unreadable files, folders and devices hold nothing; an empty text
+// is found in every file that holds something. The process-wide abort flag is
+// polled before every block after the first: an abort ends the search at
+// once with no match.
 //
 // Time stamps: the file is opened with O_NOATIME where the system allows it
 // (we own the file, or are privileged), so reading leaves its last-access

@@ -20,4 +20,9 @@ bool FolderAccepted(FindCriteria& criteria, const QString& folderPath);
 bool PassesFilters(FindCriteria& criteria, const platform::DirEntry& entry, const QString& fullPath,
                    const YieldHook& yield = {}, EntryInFolder where = {});
 
+// True when the contained text is the only active group: the test then reads
+// nothing of the entry but its file, so a walk may search a plain file before
+// it stats it, and stat only the hits.
+inline bool OnlyTextFilter(const FindCriteria& c) { return c.textOn && !c.sizeOn && !c.attrOn && !c.dateOn; }
+
 }  // namespace find

@@ -87,9 +87,20 @@ class Walker {
   // Tests entry i against the filters and adds it as a row; false if it vanished.
   bool testEntry(const platform::FolderReader& reader, qsizetype i, const QString& folder, const QString& display,
                  platform::DirEntry* entry) {
+    if (OnlyTextFilter(c_) && reader.isRegularFile(i)) {
+      // Search first, stat the hits only: the test reads nothing else.
+      *entry = platform::DirEntry();  // a plain file: nothing to recurse into
+      const QString fullPath = folder + reader.name(i);
+      if (!PassesFilters(c_, platform::DirEntry(), fullPath, yieldHook_, {&reader, i, true, -1})) return true;
+      if (!reader.stat(i, entry)) return false;
+      sink_.addRow(*entry, folder, display);
+      return true;
+    }
     if (!reader.stat(i, entry)) return false;
     const QString fullPath = c_.textOn ? folder + entry->name : QString();
-    if (PassesFilters(c_, *entry, fullPath, yieldHook_, {&reader, i})) sink_.addRow(*entry, folder, display);
+    const bool regular = !(entry->attributes & (platform::kAttrSystem | platform::kAttrDirectory));
+    if (PassesFilters(c_, *entry, fullPath, yieldHook_, {&reader, i, regular, qint64(entry->size)}))
+      sink_.addRow(*entry, folder, display);
     return true;
   }
 

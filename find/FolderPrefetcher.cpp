@@ -1,5 +1,7 @@
 #include "find/FolderPrefetcher.h"
 
+#include <sched.h>
+
 #include <vector>
 
 #include "core/JobFlags.h"
@@ -29,24 +31,33 @@ bool FolderPrefetcher::put(Item item) {
   changed_.wait(lock, [this] { return stop_ || queue_.size() < kAhead; });
   if (stop_) return false;
   queue_.push_back(std::move(item));
+  ready_.store(queue_.size(), std::memory_order_release);
   lock.unlock();
   changed_.notify_all();
   return true;
 }
 
 FolderPrefetcher::Reader FolderPrefetcher::take(const QString& path) {
+  // A folder is usually a few microseconds away: wait for it by giving the
+  // processor to the reader a few times before going to sleep on the lock.
+  for (int i = 0; i < 64 && ready_.load(std::memory_order_acquire) == 0 &&
+                  !finished_.load(std::memory_order_acquire);
+       ++i)
+    sched_yield();
   std::unique_lock lock(mutex_);
   if (off_) return nullptr;
   changed_.wait(lock, [this] { return !queue_.empty() || done_; });
   if (queue_.empty() || queue_.front().path != path) {
     off_ = stop_ = true;  // out of step with the walk: stop reading ahead
     queue_.clear();
+    ready_.store(0, std::memory_order_release);
     lock.unlock();
     changed_.notify_all();
     return nullptr;
   }
   Reader reader = std::move(queue_.front().reader);
   queue_.pop_front();
+  ready_.store(queue_.size(), std::memory_order_release);
   lock.unlock();
   changed_.notify_all();
   return reader;
@@ -88,6 +99,7 @@ void FolderPrefetcher::run(QString location) {
   {
     std::lock_guard lock(mutex_);
     done_ = true;
+    finished_.store(true, std::memory_order_release);
   }
   changed_.notify_all();
 }

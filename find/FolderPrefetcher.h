@@ -1,6 +1,7 @@
 #pragma once
 #include <QString>
 #include <QStringList>
+#include <atomic>
 #include <condition_variable>
 #include <deque>
 #include <memory>
@@ -46,6 +47,8 @@ class FolderPrefetcher {
   std::mutex mutex_;
   std::condition_variable changed_;
   std::deque<Item> queue_;
+  std::atomic<size_t> ready_{0};     // queue_.size(), readable without the lock
+  std::atomic<bool> finished_{false};  // done_, likewise
   bool stop_ = false;
   bool done_ = false;
   bool off_ = false;

@@ -4,6 +4,7 @@
 #include <QtTest>
 
 #include "core/JobFlags.h"
+#include "find/FindFilters.h"
 #include "find/FindJob.h"
 #include "find/FolderPrefetcher.h"
 #include "tests/TestSupport.h"
@@ -115,6 +116,31 @@ class TestFindJob : public QObject {
     }
     QVERIFY(r.rows.contains(QStringLiteral("link")));
     QVERIFY(!r.rows.contains(QStringLiteral("link/d.txt")));
+  }
+
+  // With the contained text as the only filter, plain files are searched
+  // before they are statted; folders are still walked exactly once.
+  void containedTextOnly_data() {
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<int>("rows");
+    QTest::newRow("every name, found") << "*.*" << QByteArray("DATA") << 13;
+    QTest::newRow("every name, absent") << "*.*" << QByteArray("nothing") << 0;
+    QTest::newRow("one extension") << "*.txt" << QByteArray("data") << 8;
+  }
+  void containedTextOnly() {
+    QFETCH(QString, pattern);
+    QFETCH(QByteArray, text);
+    QFETCH(int, rows);
+    find::FindCriteria c = Criteria({pattern}, true);
+    c.textOn = true;
+    c.text = text;
+    find::SetTextCompare(&c, false);
+    c.search.SetText(text);
+    const Recorder r = Run(c);
+    QCOMPARE(r.rows.size(), rows);
+    QCOMPARE(c.foldersScanned, 8);
+    for (const QString& row : r.rows) QVERIFY2(!row.endsWith(u"sub") && !row.endsWith(u"DOCS"), qPrintable(row));
   }
 
   void entryListedOncePerPattern() {
