@@ -9,6 +9,7 @@
 #include <unistd.h>
 
 #include <atomic>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
@@ -45,6 +46,16 @@ quint32 VfatAttributes(int dirFd, const QByteArray& native, quint32 mapped) {
   return a == 0 ? kAttrNormal : a;
 }
 
+void Fill(const struct statx& st, const QString& name, bool link, DirEntry* out) {
+  out->name = name;
+  out->isLink = link;
+  out->size = S_ISDIR(st.stx_mode) ? 0 : st.stx_size;
+  out->attributes = AttributesOf(st, name);
+  out->creationTime = (st.stx_mask & STATX_BTIME) ? FileTimeFromUnix(st.stx_btime.tv_sec, st.stx_btime.tv_nsec) : 0;
+  out->lastAccessTime = FileTimeFromUnix(st.stx_atime.tv_sec, st.stx_atime.tv_nsec);
+  out->lastWriteTime = FileTimeFromUnix(st.stx_mtime.tv_sec, st.stx_mtime.tv_nsec);
+}
+
 bool StatAt(int dirFd, const QString& name, const QByteArray& native, bool vfat, DirEntry* out) {
   struct statx st {};
   const unsigned mask = STATX_BASIC_STATS | STATX_BTIME;
@@ -55,14 +66,8 @@ bool StatAt(int dirFd, const QString& name, const QByteArray& native, bool vfat,
     // A link shows its target's data; a dangling one keeps its own.
     if (statx(dirFd, native.constData(), AT_STATX_DONT_SYNC, mask, &target) == 0) st = target;
   }
-  out->name = name;
-  out->isLink = link;
-  out->size = S_ISDIR(st.stx_mode) ? 0 : st.stx_size;
-  out->attributes = AttributesOf(st, name);
+  Fill(st, name, link, out);
   if (vfat) out->attributes = VfatAttributes(dirFd, native, out->attributes);
-  out->creationTime = (st.stx_mask & STATX_BTIME) ? FileTimeFromUnix(st.stx_btime.tv_sec, st.stx_btime.tv_nsec) : 0;
-  out->lastAccessTime = FileTimeFromUnix(st.stx_atime.tv_sec, st.stx_atime.tv_nsec);
-  out->lastWriteTime = FileTimeFromUnix(st.stx_mtime.tv_sec, st.stx_mtime.tv_nsec);
   return true;
 }
 
@@ -134,6 +139,22 @@ void FolderReader::readPlain() {
       at += d->d_reclen;
     }
   }
+}
+
+int FolderReader::openAndStat(qsizetype i, int flags, DirEntry* out) const {
+  const int fd = openEntry(i, flags);
+  if (fd < 0) return -1;
+  struct statx st {};
+  if (statx(fd, "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC, STATX_BASIC_STATS | STATX_BTIME, &st) != 0) {
+    const int saved = errno;
+    close(fd);
+    errno = saved;
+    return -1;
+  }
+  Fill(st, names_[size_t(i)], false, out);
+  if (vfat_) out->attributes = VfatAttributes(fd_, ToNative(names_[size_t(i)]), out->attributes);
+  out->alias = alias(i);
+  return fd;
 }
 
 int FolderReader::openEntry(qsizetype i, int flags) const {
