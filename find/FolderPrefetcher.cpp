@@ -22,44 +22,57 @@ FolderPrefetcher::~FolderPrefetcher() {
     std::lock_guard lock(mutex_);
     stop_ = true;
   }
-  changed_.notify_all();
+  notFull_.notify_all();
   thread_.join();
 }
 
+// Each side wakes the other only when it sleeps, and the reader, once ahead
+// by kAhead folders, sleeps until the walk has taken half of them: a wake-up
+// costs far more than a folder.
 bool FolderPrefetcher::put(Item item) {
   std::unique_lock lock(mutex_);
-  changed_.wait(lock, [this] { return stop_ || queue_.size() < kAhead; });
+  if (queue_.size() >= kAhead) {
+    producerWaiting_ = true;
+    notFull_.wait(lock, [this] { return stop_ || queue_.size() <= kAhead / 2; });
+    producerWaiting_ = false;
+  }
   if (stop_) return false;
   queue_.push_back(std::move(item));
   ready_.store(queue_.size(), std::memory_order_release);
+  const bool wake = consumerWaiting_;
   lock.unlock();
-  changed_.notify_all();
+  if (wake) notEmpty_.notify_one();
   return true;
 }
 
 FolderPrefetcher::Reader FolderPrefetcher::take(const QString& path) {
-  // A folder is usually a few microseconds away: wait for it by giving the
-  // processor to the reader a few times before going to sleep on the lock.
-  for (int i = 0; i < 64 && ready_.load(std::memory_order_acquire) == 0 &&
+  // The next folder is often a few microseconds away: let the reader run a
+  // few times before going to sleep.
+  for (int i = 0; i < 16 && ready_.load(std::memory_order_acquire) == 0 &&
                   !finished_.load(std::memory_order_acquire);
        ++i)
     sched_yield();
   std::unique_lock lock(mutex_);
   if (off_) return nullptr;
-  changed_.wait(lock, [this] { return !queue_.empty() || done_; });
+  if (queue_.empty() && !done_) {
+    consumerWaiting_ = true;
+    notEmpty_.wait(lock, [this] { return !queue_.empty() || done_; });
+    consumerWaiting_ = false;
+  }
   if (queue_.empty() || queue_.front().path != path) {
     off_ = stop_ = true;  // out of step with the walk: stop reading ahead
     queue_.clear();
     ready_.store(0, std::memory_order_release);
     lock.unlock();
-    changed_.notify_all();
+    notFull_.notify_all();
     return nullptr;
   }
   Reader reader = std::move(queue_.front().reader);
   queue_.pop_front();
   ready_.store(queue_.size(), std::memory_order_release);
+  const bool wake = producerWaiting_ && queue_.size() <= kAhead / 2;
   lock.unlock();
-  changed_.notify_all();
+  if (wake) notFull_.notify_one();
   return reader;
 }
 
@@ -101,7 +114,7 @@ void FolderPrefetcher::run(QString location) {
     done_ = true;
     finished_.store(true, std::memory_order_release);
   }
-  changed_.notify_all();
+  notEmpty_.notify_all();
 }
 
 }  // namespace find

@@ -45,12 +45,15 @@ class FolderPrefetcher {
   const bool excludeOn_;
   const QStringList excludes_;
   std::mutex mutex_;
-  std::condition_variable changed_;
+  std::condition_variable notEmpty_;  // the walk waits for a folder
+  std::condition_variable notFull_;   // the reader waits for room
   std::deque<Item> queue_;
   std::atomic<size_t> ready_{0};     // queue_.size(), readable without the lock
   std::atomic<bool> finished_{false};  // done_, likewise
   bool stop_ = false;
   bool done_ = false;
+  bool consumerWaiting_ = false;
+  bool producerWaiting_ = false;
   bool off_ = false;
   std::thread thread_;
 };

@@ -2,6 +2,7 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <sys/stat.h>
 
 #include "core/JobFlags.h"
 #include "find/FindFilters.h"
@@ -118,8 +119,8 @@ class TestFindJob : public QObject {
     QVERIFY(!r.rows.contains(QStringLiteral("link/d.txt")));
   }
 
-  // With the contained text as the only filter, plain files are searched
-  // before they are statted; folders are still walked exactly once.
+  // With the contained text as the only filter: hits in every folder, and
+  // every folder walked exactly once.
   void containedTextOnly_data() {
     QTest::addColumn<QString>("pattern");
     QTest::addColumn<QByteArray>("text");
@@ -141,6 +142,43 @@ class TestFindJob : public QObject {
     QCOMPARE(r.rows.size(), rows);
     QCOMPARE(c.foldersScanned, 8);
     for (const QString& row : r.rows) QVERIFY2(!row.endsWith(u"sub") && !row.endsWith(u"DOCS"), qPrintable(row));
+  }
+
+  // A contained-text find leaves every file's access and write times (and
+  // a read-only file's mode) as they were.
+  void timeStampsKeptByTextFind_data() {
+    QTest::addColumn<bool>("textOnly");
+    QTest::newRow("text only") << true;
+    QTest::newRow("with a size filter") << false;
+  }
+  void timeStampsKeptByTextFind() {
+    QFETCH(bool, textOnly);
+    const QString folder = dir_.path() + (textOnly ? QStringLiteral("/stamps1/") : QStringLiteral("/stamps2/"));
+    const QStringList names{"a.txt", "b.txt", "ro.txt", "big.txt"};
+    for (const QString& n : names)
+      QVERIFY(testsupport::MakeFile(folder + n, n == u"big.txt" ? QByteArray(100000, 'x') + "needle" : "a needle"));
+    QVERIFY(QFile::setPermissions(folder + "ro.txt", QFileDevice::ReadOwner));
+    struct stat before[4];
+    for (int i = 0; i < 4; ++i) {
+      QVERIFY(testsupport::SetTimes(folder + names[i], QDateTime(QDate(2001, 1, 1), QTime(1, 2, 3), Qt::UTC),
+                                    QDateTime(QDate(2002, 2, 2), QTime(4, 5, 6), Qt::UTC)));
+      QCOMPARE(::stat(QFile::encodeName(folder + names[i]).constData(), &before[i]), 0);
+    }
+    find::FindCriteria c = Criteria({QStringLiteral("*.txt")}, true, {folder});
+    c.textOn = true;
+    c.text = "NEEDLE";
+    find::SetTextCompare(&c, false);
+    c.search.SetText(c.text);
+    c.sizeOn = !textOnly;
+    const Recorder r = Run(c);
+    QCOMPARE(r.rows.size(), 4);
+    for (int i = 0; i < 4; ++i) {
+      struct stat after {};
+      QCOMPARE(::stat(QFile::encodeName(folder + names[i]).constData(), &after), 0);
+      QCOMPARE(after.st_atim.tv_sec, before[i].st_atim.tv_sec);
+      QCOMPARE(after.st_mtim.tv_sec, before[i].st_mtim.tv_sec);
+      QCOMPARE(after.st_mode, before[i].st_mode);
+    }
   }
 
   void entryListedOncePerPattern() {
