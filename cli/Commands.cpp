@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "cli/FindCommand.h"
 #include "cli/ListCommand.h"
 
 namespace cli {
@@ -11,13 +12,21 @@ int RunSettingsCommand(CliContext& ctx);
 // Each command lives in its own file and is listed here.
 
 std::span<const Command> AllCommands() {
-  static const std::array<Command, 3> commands = {{
+  static const std::array<Command, 4> commands = {{
       {"list",
        "[--size-format 0..8] [--date-style 0..3] [--time-style 0..3] [--sort COLUMN[:asc|:desc]] [--no-group] "
        "[--no-header] FOLDER",
        "list a folder as the file list shows it (status on standard error)", RunListCommand},
       {"drives", "[--size-format 0..8] [--sort COLUMN[:asc|:desc]] [--no-header]",
        "list the drives (mounted file systems) as the file list shows them", RunDrivesCommand},
+      {"find",
+       "[--in FOLDER]... [--subfolders] [--named TEXT] [--exact] [--size-min N] [--size-max N] "
+       "[--size-unit bytes|kb|mb] [--date-kind created|modified|accessed|created-or-modified] [--date-from TEXT] "
+       "[--date-to TEXT] [--not] [--attr LETTERS] [--not-attr LETTERS] [--containing TEXT] [--case] [--hex] "
+       "[--exclude TEXT]... [--sort COLUMN[:asc|:desc]] [--no-header]",
+       "find files as the Find Files tab does (a group counts when one of its options is given; sizes in KB "
+       "unless --size-unit; summary on standard error)",
+       RunFindCommand},
       {"settings", "[--defaults] [--write] [--screen WxH] [--no-header]",
        "show every setting as the settings file holds it; --write saves them all", RunSettingsCommand},
   }};

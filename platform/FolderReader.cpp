@@ -8,6 +8,12 @@
 #include <sys/vfs.h>
 #include <unistd.h>
 
+#include <atomic>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+#include "platform/Clock.h"
 #include "platform/FileTime.h"
 #include "platform/NativePath.h"
 
@@ -40,6 +46,16 @@ quint32 VfatAttributes(int dirFd, const QByteArray& native, quint32 mapped) {
   return a == 0 ? kAttrNormal : a;
 }
 
+void Fill(const struct statx& st, const QString& name, bool link, DirEntry* out) {
+  out->name = name;
+  out->isLink = link;
+  out->size = S_ISDIR(st.stx_mode) ? 0 : st.stx_size;
+  out->attributes = AttributesOf(st, name);
+  out->creationTime = (st.stx_mask & STATX_BTIME) ? FileTimeFromUnix(st.stx_btime.tv_sec, st.stx_btime.tv_nsec) : 0;
+  out->lastAccessTime = FileTimeFromUnix(st.stx_atime.tv_sec, st.stx_atime.tv_nsec);
+  out->lastWriteTime = FileTimeFromUnix(st.stx_mtime.tv_sec, st.stx_mtime.tv_nsec);
+}
+
 bool StatAt(int dirFd, const QString& name, const QByteArray& native, bool vfat, DirEntry* out) {
   struct statx st {};
   const unsigned mask = STATX_BASIC_STATS | STATX_BTIME;
@@ -50,48 +66,101 @@ bool StatAt(int dirFd, const QString& name, const QByteArray& native, bool vfat,
     // A link shows its target's data; a dangling one keeps its own.
     if (statx(dirFd, native.constData(), AT_STATX_DONT_SYNC, mask, &target) == 0) st = target;
   }
-  out->name = name;
-  out->isLink = link;
-  out->size = S_ISDIR(st.stx_mode) ? 0 : st.stx_size;
-  out->attributes = AttributesOf(st, name);
+  Fill(st, name, link, out);
   if (vfat) out->attributes = VfatAttributes(dirFd, native, out->attributes);
-  out->creationTime = (st.stx_mask & STATX_BTIME) ? FileTimeFromUnix(st.stx_btime.tv_sec, st.stx_btime.tv_nsec) : 0;
-  out->lastAccessTime = FileTimeFromUnix(st.stx_atime.tv_sec, st.stx_atime.tv_nsec);
-  out->lastWriteTime = FileTimeFromUnix(st.stx_mtime.tv_sec, st.stx_mtime.tv_nsec);
   return true;
 }
 
 const QString kEmpty;
+
+// Whether any FAT file system is mounted: only then can a folder need the
+// short-name reader, and only then is the file system of each folder asked.
+// The mount table is read again when the answer is older than two seconds.
+bool FatMounted() {
+  static std::atomic<qint64> checkedAt{-1};
+  static std::atomic<bool> mounted{false};
+  const qint64 now = MonotonicMs();
+  const qint64 last = checkedAt.load(std::memory_order_relaxed);
+  if (last >= 0 && now - last < 2000) return mounted.load(std::memory_order_relaxed);
+  bool any = true;  // when the table cannot be read, ask every folder
+  if (FILE* f = std::fopen("/proc/self/mountinfo", "re")) {
+    any = false;
+    char line[4096];
+    while (!any && std::fgets(line, sizeof line, f)) {
+      // "... - fstype source options": the type follows the separator.
+      const char* sep = std::strstr(line, " - ");
+      if (sep && (std::strncmp(sep + 3, "vfat ", 5) == 0 || std::strncmp(sep + 3, "msdos ", 6) == 0)) any = true;
+    }
+    std::fclose(f);
+  }
+  mounted.store(any, std::memory_order_relaxed);
+  checkedAt.store(now, std::memory_order_relaxed);
+  return any;
+}
 
 }  // namespace
 
 FolderReader::FolderReader(const QString& folder) {
   const QByteArray native = ToNative(folder.isEmpty() ? QStringLiteral(".") : folder);
   fd_ = open(native.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  if (fd_ < 0) return;
-  struct statfs fs {};
-  vfat_ = fstatfs(fd_, &fs) == 0 && fs.f_type == MSDOS_SUPER_MAGIC;
-  if (vfat_) readVfat();
-  if (!vfat_) readPlain();
+  read();
+}
+
+FolderReader::FolderReader(const FolderReader& parent, qsizetype index) {
+  if (!parent.isOpen()) return;
+  const QByteArray native = ToNative(parent.name(index));
+  fd_ = openat(parent.fd_, native.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+  read();
 }
 
 FolderReader::~FolderReader() {
   if (fd_ >= 0) close(fd_);
 }
 
+void FolderReader::read() {
+  if (fd_ < 0) return;
+  struct statfs fs {};
+  vfat_ = FatMounted() && fstatfs(fd_, &fs) == 0 && fs.f_type == MSDOS_SUPER_MAGIC;
+  if (vfat_) readVfat();
+  if (!vfat_) readPlain();
+}
+
+// getdents64 straight on the folder's descriptor: a directory stream would
+// cost a dup, its fcntl and fstat calls and a close for every folder.
 void FolderReader::readPlain() {
-  const int dupFd = dup(fd_);
-  if (dupFd < 0) return;
-  DIR* dir = fdopendir(dupFd);
-  if (!dir) {
-    close(dupFd);
-    return;
+  alignas(struct dirent64) char buffer[32768];
+  for (;;) {
+    const ssize_t n = getdents64(fd_, buffer, sizeof buffer);
+    if (n <= 0) break;
+    for (ssize_t at = 0; at < n;) {
+      const auto* d = reinterpret_cast<const struct dirent64*>(buffer + at);
+      names_.push_back(FromNative(d->d_name, qsizetype(strlen(d->d_name))));
+      types_.push_back(d->d_type);
+      at += d->d_reclen;
+    }
   }
-  while (const struct dirent* d = readdir(dir)) {
-    names_.push_back(FromNative(d->d_name, qsizetype(strlen(d->d_name))));
-    types_.push_back(d->d_type);
+}
+
+int FolderReader::openAndStat(qsizetype i, int flags, DirEntry* out) const {
+  const int fd = openEntry(i, flags);
+  if (fd < 0) return -1;
+  struct statx st {};
+  if (statx(fd, "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC, STATX_BASIC_STATS | STATX_BTIME, &st) != 0) {
+    const int saved = errno;
+    close(fd);
+    errno = saved;
+    return -1;
   }
-  closedir(dir);
+  Fill(st, names_[size_t(i)], false, out);
+  if (vfat_) out->attributes = VfatAttributes(fd_, ToNative(names_[size_t(i)]), out->attributes);
+  out->alias = alias(i);
+  return fd;
+}
+
+int FolderReader::openEntry(qsizetype i, int flags) const {
+  if (fd_ < 0) return -1;
+  const QByteArray native = ToNative(names_[size_t(i)]);
+  return openat(fd_, native.constData(), flags | O_CLOEXEC);
 }
 
 void FolderReader::readVfat() {
@@ -129,6 +198,8 @@ bool FolderReader::isWalkableFolder(qsizetype i) const {
   return statx(fd_, native.constData(), AT_SYMLINK_NOFOLLOW | AT_STATX_DONT_SYNC, STATX_TYPE, &st) == 0 &&
          S_ISDIR(st.stx_mode);
 }
+
+bool FolderReader::isRegularFile(qsizetype i) const { return types_[size_t(i)] == DT_REG; }
 
 bool FolderReader::stat(qsizetype i, DirEntry* out) const {
   const QString& n = names_[size_t(i)];

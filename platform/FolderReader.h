@@ -12,6 +12,9 @@ namespace platform {
 class FolderReader {
  public:
   explicit FolderReader(const QString& folder);
+  // Opens the subfolder at entry `index` of an open folder relative to it: no
+  // path walk from the root, and never through a symbolic link.
+  FolderReader(const FolderReader& parent, qsizetype index);
   ~FolderReader();
   FolderReader(const FolderReader&) = delete;
   FolderReader& operator=(const FolderReader&) = delete;
@@ -23,10 +26,20 @@ class FolderReader {
 
   // A directory that a walk may enter: a real folder, never a link to one.
   bool isWalkableFolder(qsizetype i) const;
+  // A plain file, as far as the folder listing tells without a stat (false
+  // where it does not tell, and for links).
+  bool isRegularFile(qsizetype i) const;
   // Fills `out` with the entry's data; false if it vanished meanwhile.
   bool stat(qsizetype i, DirEntry* out) const;
+  // Opens entry i relative to the folder (open(2) flags); -1 on failure.
+  int openEntry(qsizetype i, int flags) const;
+  // Opens entry i and fills `out` from the open file: one name lookup for
+  // both. For plain files (a link would show the link's target without the
+  // link flag). -1 on failure, with errno from the open.
+  int openAndStat(qsizetype i, int flags, DirEntry* out) const;
 
  private:
+  void read();
   void readPlain();
   void readVfat();
 

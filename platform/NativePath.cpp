@@ -59,6 +59,11 @@ QString FromNative(const char* bytes, qsizetype length) {
 }
 
 QByteArray ToNative(QStringView text) {
+  // Most names are plain ASCII: one pass to check, one to narrow.
+  const char16_t* u = reinterpret_cast<const char16_t*>(text.utf16());
+  qsizetype ascii = 0;
+  while (ascii < text.size() && u[ascii] < 0x80) ++ascii;
+  if (ascii == text.size()) return text.toLatin1();
   QByteArray out;
   out.reserve(text.size() * 3);
   const char16_t* s = reinterpret_cast<const char16_t*>(text.utf16());

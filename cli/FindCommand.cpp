@@ -1,0 +1,150 @@
+#include "cli/FindCommand.h"
+
+#include "browser/list/ListModel.h"
+#include "browser/list/ListPrinter.h"
+#include "browser/list/RowBuilder.h"
+#include "cli/ListCommand.h"
+#include "core/AttributeText.h"
+#include "core/ListModes.h"
+#include "find/BuildCriteria.h"
+#include "find/FindJob.h"
+
+namespace cli {
+
+namespace {
+
+using V = core::FindTabValues;
+
+// Find rows go into the Find-mode list model; statuses to standard error.
+class CliFindSink : public find::FindSink {
+ public:
+  CliFindSink(browser::ListModel* model, QTextStream& err) : model_(model), builder_(model), err_(err) {}
+
+  void startFill() override { model_->beginFill(); }
+  void addRow(const platform::DirEntry& entry, const QString& folder, const QString&) override {
+    builder_.add(entry, folder);
+  }
+  qsizetype rowCount() const override { return model_->rowCount(); }
+  void sortRows() override { model_->sortAgain(); }
+  void showJobStatus(int mode, const QString& text) override {
+    if (mode == find::kStatusFindEnd) summary_ = text;
+    else if (mode == find::kStatusProgress && text == u"Sorting...") err_ << text << '\n';
+  }
+  const QString& summary() const { return summary_; }
+
+ private:
+  browser::ListModel* model_;
+  browser::RowBuilder builder_;
+  QTextStream& err_;
+  QString summary_;
+};
+
+bool Choice(const ArgParser& p, const char* option, const QStringList& names, qint16* out, QString* error) {
+  const QString name = QString::fromLatin1(option);
+  if (!p.isSet(name)) return true;
+  const qsizetype i = names.indexOf(p.value(name).toLower());
+  if (i < 0) {
+    *error = QStringLiteral("--%1 takes one of %2").arg(name, names.join(u'|'));
+    return false;
+  }
+  *out = qint16(i);
+  return true;
+}
+
+bool Letters(const ArgParser& p, const char* option, qint32* out, QString* error) {
+  const QString name = QString::fromLatin1(option);
+  if (!p.isSet(name)) return true;
+  quint32 bits = 0;
+  if (!core::AttributeBitsFromLetters(p.value(name), &bits)) {
+    *error = QStringLiteral("--%1 takes attribute letters of \"RHSDANTC\", not '%2'").arg(name, p.value(name));
+    return false;
+  }
+  *out = qint32(bits);
+  return true;
+}
+
+}  // namespace
+
+void AddFindOptions(ArgParser* parser) {
+  for (const char* o : {"named", "in", "size-min", "size-max", "size-unit", "date-kind", "date-from", "date-to",
+                        "attr", "not-attr", "containing", "exclude"})
+    parser->option(QString::fromLatin1(o));
+  for (const char* f : {"exact", "subfolders", "not", "case", "hex"}) parser->flag(QString::fromLatin1(f));
+}
+
+bool FindValuesFromOptions(const ArgParser& p, V* values, QStringList* lookIn, QString* error) {
+  auto set = [&p](const char* o) { return p.isSet(QString::fromLatin1(o)); };
+  auto text = [&p](const char* o) { return p.value(QString::fromLatin1(o)); };
+  V v;
+  v.watch = 0;
+  if (set("named") || set("exact")) v.watch |= V::kWatchName;
+  v.named = text("named");
+  v.exactMatch = set("exact");
+  v.includeSubfolders = set("subfolders");
+
+  if (set("size-min") || set("size-max") || set("size-unit")) v.watch |= V::kWatchSize;
+  v.sizeMin = text("size-min");
+  v.sizeMax = text("size-max");
+  if (!Choice(p, "size-unit", {QStringLiteral("bytes"), QStringLiteral("kb"), QStringLiteral("mb")}, &v.sizeUnit,
+              error))
+    return false;
+
+  if (set("date-kind") || set("date-from") || set("date-to") || set("not")) v.watch |= V::kWatchDate;
+  if (!Choice(p, "date-kind",
+              {QStringLiteral("created"), QStringLiteral("modified"), QStringLiteral("accessed"),
+               QStringLiteral("created-or-modified")},
+              &v.dateKind, error))
+    return false;
+  v.dateFrom = text("date-from");
+  v.dateTo = text("date-to");
+  v.rangeNot = set("not");
+
+  if (set("attr") || set("not-attr")) v.watch |= V::kWatchAttributes;
+  if (!Letters(p, "attr", &v.attrMust, error) || !Letters(p, "not-attr", &v.attrMustNot, error)) return false;
+
+  if (set("containing") || set("case") || set("hex")) v.watch |= V::kWatchText;
+  v.containedText = text("containing");
+  v.caseSensitive = set("case");
+  v.isHex = set("hex");
+
+  if (set("exclude")) v.watch |= V::kWatchExclude;
+  v.excludes = p.values(QStringLiteral("exclude"));
+
+  *lookIn = p.values(QStringLiteral("in"));
+  if (lookIn->isEmpty()) lookIn->append(QStringLiteral("."));
+  v.lookIn = lookIn->first();
+  *values = v;
+  return true;
+}
+
+int RunFindCommand(CliContext& ctx) {
+  ArgParser parser;
+  AddFindOptions(&parser);
+  browser::ListModel model;
+  if (!PrepareListModel(ctx, core::kModeFind, &parser, &model, "find")) return kExitUsage;
+  if (!parser.positional().isEmpty()) {
+    ctx.err << "quorvane find: give folders with --in, not as arguments\n";
+    return kExitUsage;
+  }
+  V values;
+  QStringList lookIn;
+  QString error;
+  if (!FindValuesFromOptions(parser, &values, &lookIn, &error)) {
+    ctx.err << "quorvane find: " << error << '\n';
+    return kExitUsage;
+  }
+  find::FindCriteria criteria;
+  find::CriteriaMessage message;
+  if (!find::BuildCriteria(values, lookIn, {}, &criteria, &message)) {
+    ctx.err << message.text << '\n';
+    return kExitUsage;
+  }
+  CliFindSink sink(&model, ctx.err);
+  find::FindJob::Run(criteria, sink, parser.isSet(QStringLiteral("sort")));
+  browser::ListPrinter::Print(model, ctx.out, !parser.isSet(QStringLiteral("no-header")));
+  ctx.out.flush();
+  ctx.err << sink.summary() << '\n';
+  return kExitOk;
+}
+
+}  // namespace cli

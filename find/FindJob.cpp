@@ -1,0 +1,228 @@
+#include "find/FindJob.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <memory>
+#include <vector>
+
+#include "core/JobFlags.h"
+#include "core/NumberFormat.h"
+#include "find/FindFilters.h"
+#include "find/FolderPrefetcher.h"
+#include "platform/Clock.h"
+#include "platform/FolderReader.h"
+#include "platform/WildcardPattern.h"
+
+namespace find {
+
+namespace {
+
+// "." and ".." (and an empty name): every name that is a piece of "..".
+bool IsDotName(const QString& name) {
+  return name.size() <= 2 && (name.isEmpty() || name == u"." || name == u"..");
+}
+
+// Entries between two yields inside one folder.
+constexpr unsigned kYieldEvery = 256;
+
+using Reader = FolderPrefetcher::Reader;
+
+class Walker {
+ public:
+  Walker(FindCriteria& criteria, FindSink& sink) : c_(criteria), sink_(sink) {
+    for (const QString& p : criteria.patterns) patterns_.emplace_back(p);
+    yieldHook_ = [this] { sink_.yield(); };
+  }
+
+  bool aborted() const { return aborted_; }
+
+  void walkLocations() {
+    const bool everything = c_.patterns.value(0) == u"*.*";
+    for (const QString& location : c_.locations) {
+      if (stopNow()) return;
+      // A location the user names explicitly is searched even when an
+      // exclusion matches it; it then does not count as scanned.
+      const bool excludeOn = c_.excludeOn;
+      if (!FolderAccepted(c_, location)) c_.excludeOn = false;
+      // A helper thread reads the folders of a deep walk ahead of it, unless
+      // file contents are read: then files, not folders, set the pace, and a
+      // second thread only makes every file operation of the process dearer
+      // (the kernel's single-threaded shortcuts end).
+      if (c_.includeSubfolders && !c_.textOn) prefetcher_ = std::make_unique<FolderPrefetcher>(location, c_.excludeOn, c_.excludes);
+      if (!everything && c_.includeSubfolders) scanThenRecurse(nullptr, 0, location, location);
+      else scanByPattern(nullptr, 0, location, location);
+      prefetcher_.reset();
+      c_.excludeOn = excludeOn;
+    }
+  }
+
+ private:
+  bool stopNow() {
+    if (aborted_) return true;
+    if (++sinceYield_ >= kYieldEvery) {
+      sinceYield_ = 0;
+      sink_.yield();
+    }
+    if (!core::JobFlags::AbortRequested()) return false;
+    aborted_ = true;
+    sink_.showJobStatus(kStatusAborted, QString());
+    return true;
+  }
+
+  // Yields, shows the folder and reads it: a location by its path, a
+  // subfolder relative to its parent (entry `index` of it).
+  Reader enterFolder(const platform::FolderReader* parent, qsizetype index, const QString& folder,
+                     const QString& display) {
+    sinceYield_ = 0;
+    sink_.yield();
+    sink_.showJobStatus(kStatusProgress, display);
+    if (prefetcher_) {
+      if (Reader ahead = prefetcher_->take(folder)) return ahead;
+    }
+    if (parent) return std::make_shared<const platform::FolderReader>(*parent, index);
+    return std::make_shared<const platform::FolderReader>(folder);
+  }
+
+  bool nameMatches(const platform::FolderReader& reader, qsizetype i, const platform::WildcardPattern& p) const {
+    if (p.matchesEverything() || p.matches(reader.name(i))) return true;
+    const QString& alias = reader.alias(i);
+    return !alias.isEmpty() && p.matches(alias);
+  }
+
+  // Tests entry i against the filters and adds it as a row; false if it vanished.
+  bool testEntry(const platform::FolderReader& reader, qsizetype i, const QString& folder, const QString& display,
+                 platform::DirEntry* entry) {
+    if (textOnly_ && reader.isRegularFile(i)) {
+      // The text is the only test: open the plain file first and take its
+      // data from the open file, one name lookup instead of two. (Where the
+      // system refuses O_NOATIME, the usual way below guards the times.)
+      const int fd = reader.openAndStat(i, O_RDONLY | O_NOCTTY | O_NONBLOCK | O_NOATIME, entry);
+      if (fd >= 0) {
+        const bool hit =
+            PassesFilters(c_, *entry, QString(), yieldHook_, {&reader, &folder, i, true, qint64(entry->size), fd});
+        close(fd);
+        if (hit) sink_.addRow(*entry, folder, display);
+        return true;
+      }
+    }
+    if (!reader.stat(i, entry)) return false;
+    // The file opens relative to its folder; its whole path is made only if needed.
+    const bool regular = !(entry->attributes & (platform::kAttrSystem | platform::kAttrDirectory));
+    if (PassesFilters(c_, *entry, QString(), yieldHook_, {&reader, &folder, i, regular, qint64(entry->size)}))
+      sink_.addRow(*entry, folder, display);
+    return true;
+  }
+
+  // The subfolder's path for the walk (real name) and for the list (tidied).
+  static void subfolder(const QString& folder, const QString& display, const QString& name, QString* sub,
+                        QString* subDisplay) {
+    *sub = folder + name + u'/';
+    const QString tidy = FindJob::TidyFolderName(name);
+    if (display.size() == folder.size() && tidy == name && display == folder) *subDisplay = *sub;
+    else *subDisplay = display + tidy + u'/';
+  }
+
+  // Depth first, pre-order: a folder entry is tested before its contents.
+  void scanByPattern(const platform::FolderReader* parent, qsizetype index, const QString& folder,
+                     const QString& display) {
+    const Reader opened = enterFolder(parent, index, folder, display);
+    const platform::FolderReader& reader = *opened;
+    if (!reader.isOpen()) return;
+    platform::DirEntry entry;
+    for (const platform::WildcardPattern& pattern : patterns_) {
+      for (qsizetype i = 0; i < reader.count(); ++i) {
+        if (stopNow()) return;
+        if (IsDotName(reader.name(i)) || !nameMatches(reader, i, pattern)) continue;
+        if (!testEntry(reader, i, folder, display, &entry)) continue;
+        if (c_.includeSubfolders && entry.isDirectory() && !entry.isLink) {
+          QString sub, subDisplay;
+          subfolder(folder, display, reader.name(i), &sub, &subDisplay);
+          if (FolderAccepted(c_, sub)) scanByPattern(&reader, i, sub, subDisplay);
+        }
+      }
+    }
+  }
+
+  // The folder's own hits first (pattern by pattern), then its subfolders in
+  // file-system order. The names are read once and serve both passes.
+  void scanThenRecurse(const platform::FolderReader* parent, qsizetype index, const QString& folder,
+                       const QString& display) {
+    const Reader opened = enterFolder(parent, index, folder, display);
+    const platform::FolderReader& reader = *opened;
+    if (!reader.isOpen()) return;
+    platform::DirEntry entry;
+    for (const platform::WildcardPattern& pattern : patterns_) {
+      for (qsizetype i = 0; i < reader.count(); ++i) {
+        if (stopNow()) return;
+        if (IsDotName(reader.name(i)) || !nameMatches(reader, i, pattern)) continue;
+        testEntry(reader, i, folder, display, &entry);
+      }
+    }
+    for (qsizetype i = 0; i < reader.count(); ++i) {
+      if (stopNow()) return;
+      if (IsDotName(reader.name(i)) || !reader.isWalkableFolder(i)) continue;
+      QString sub, subDisplay;
+      subfolder(folder, display, reader.name(i), &sub, &subDisplay);
+      if (FolderAccepted(c_, sub)) scanThenRecurse(&reader, i, sub, subDisplay);
+    }
+  }
+
+  FindCriteria& c_;
+  FindSink& sink_;
+  std::vector<platform::WildcardPattern> patterns_;
+  YieldHook yieldHook_;
+  const bool textOnly_ = c_.textOn && !c_.sizeOn && !c_.attrOn && !c_.dateOn;
+  std::unique_ptr<FolderPrefetcher> prefetcher_;
+  unsigned sinceYield_ = 0;
+  bool aborted_ = false;
+};
+
+}  // namespace
+
+QString FindJob::SummaryText(double seconds, qint64 foldersScanned, qint64 nameHits, bool aborted) {
+  QString s = core::FormatNumber(seconds, u"0.000");
+  s += QStringLiteral(" sec (");
+  s += core::FormatNumber(double(foldersScanned), u"#,0");
+  s += QStringLiteral(" folders scanned, ");
+  s += core::FormatNumber(double(nameHits), u"#,0");
+  s += QStringLiteral(" name hits)");
+  if (aborted) s += QStringLiteral("  ABORTED");
+  return s;
+}
+
+QString FindJob::TidyFolderName(const QString& name) {
+  if (name.size() >= 13 || name != name.toUpper()) return name;
+  QString out = name;
+  bool wordStart = true;
+  for (QChar& ch : out) {
+    ch = wordStart ? ch.toUpper() : ch.toLower();
+    wordStart = ch.isSpace();
+  }
+  return out;
+}
+
+bool FindJob::Run(FindCriteria& criteria, FindSink& sink, bool sortAfterwards) {
+  core::JobFlags::ClearAbort();
+  criteria.foldersScanned = 0;
+  criteria.nameHits = 0;
+  core::JobFlags::SetBusy(true);
+  sink.startFill();
+  sink.showJobStatus(kStatusStart, QString());
+  const qint64 start = platform::MonotonicMs();
+
+  Walker walker(criteria, sink);
+  walker.walkLocations();
+
+  if (sortAfterwards && sink.rowCount() > 0) {
+    if (sink.rowCount() > kSilentSortRows) sink.showJobStatus(kStatusProgress, QStringLiteral("Sorting..."));
+    sink.sortRows();
+  }
+  const double seconds = double(platform::MonotonicMs() - start) / 1000.0;
+  sink.showJobStatus(kStatusFindEnd,
+                     SummaryText(seconds, criteria.foldersScanned, criteria.nameHits, walker.aborted()));
+  core::JobFlags::SetBusy(false);
+  return !walker.aborted();
+}
+
+}  // namespace find

@@ -1,0 +1,341 @@
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QtTest>
+#include <sys/stat.h>
+
+#include "core/JobFlags.h"
+#include "find/FindFilters.h"
+#include "find/FindJob.h"
+#include "find/FolderPrefetcher.h"
+#include "tests/TestSupport.h"
+
+namespace {
+
+// Records what a find delivers; can press Escape after a number of rows.
+class Recorder : public find::FindSink {
+ public:
+  QStringList rows;          // folder + name, relative to the base
+  QStringList displayRows;   // the same with the shown folder
+  QList<QPair<int, QString>> statuses;
+  int sorts = 0;
+  int abortAfter = -1;
+  QString base;
+
+  void addRow(const platform::DirEntry& entry, const QString& folder, const QString& displayFolder) override {
+    rows.append(folder.mid(base.size()) + entry.name);
+    displayRows.append(displayFolder.mid(base.size()) + entry.name);
+    if (rows.size() == abortAfter) core::JobFlags::RequestAbort();
+  }
+  qsizetype rowCount() const override { return rows.size(); }
+  void sortRows() override { ++sorts; }
+  void showJobStatus(int mode, const QString& text) override { statuses.append({mode, text}); }
+
+  QString summary() const { return statuses.isEmpty() ? QString() : statuses.last().second; }
+  bool sawStatus(int mode, const QString& text) const { return statuses.contains({mode, text}); }
+};
+
+}  // namespace
+
+class TestFindJob : public QObject {
+  Q_OBJECT
+
+ private:
+  QTemporaryDir dir_;
+  QString root_;
+
+  find::FindCriteria Criteria(const QStringList& patterns, bool subfolders, const QStringList& locations = {}) {
+    find::FindCriteria c;
+    c.patterns = patterns;
+    c.includeSubfolders = subfolders;
+    c.locations = locations.isEmpty() ? QStringList{root_} : locations;
+    return c;
+  }
+
+  Recorder Run(find::FindCriteria& c, bool sort = false) {
+    Recorder r;
+    r.base = root_;
+    find::FindJob::Run(c, r, sort);
+    return r;
+  }
+
+  // Every row below `folder` (relative, ending in "/") comes in one run.
+  static bool Contiguous(const QStringList& rows, const QString& folder) {
+    qsizetype first = -1, last = -1, count = 0;
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+      if (!rows[i].startsWith(folder)) continue;
+      if (first < 0) first = i;
+      last = i;
+      ++count;
+    }
+    return count == 0 || last - first + 1 == count;
+  }
+
+ private Q_SLOTS:
+  void initTestCase() {
+    testsupport::PinLocale();
+    QVERIFY(dir_.isValid());
+    root_ = dir_.path() + QStringLiteral("/t/");
+    for (const char* f : {"a.txt", "b.txt", "DOCS/c.txt", "DOCS/x.doc", "sub/d.txt", "sub/deep/e.txt",
+                          "sub/deep/y.doc", "nomatch/f.txt", "two/lx", "two/la", "two/bx", "excl/g.txt",
+                          "excl/inner/h.txt"})
+      QVERIFY(testsupport::MakeFile(root_ + QString::fromLatin1(f), "data"));
+    QVERIFY(QFile::link(root_ + QStringLiteral("sub"), root_ + QStringLiteral("link")));
+  }
+  void init() { core::JobFlags::ClearAbort(); }
+
+  void extensionInEveryFolder() {
+    find::FindCriteria c = Criteria({QStringLiteral("*.txt")}, true);
+    const Recorder r = Run(c);
+    QStringList sorted = r.rows;
+    sorted.sort();
+    QCOMPARE(sorted, (QStringList{"DOCS/c.txt", "a.txt", "b.txt", "excl/g.txt", "excl/inner/h.txt", "nomatch/f.txt",
+                                  "sub/d.txt", "sub/deep/e.txt"}));
+    // A folder's own hits come before any hit of its subfolders.
+    QCOMPARE(QSet<QString>(r.rows.begin(), r.rows.begin() + 2), (QSet<QString>{"a.txt", "b.txt"}));
+    QVERIFY(r.rows.indexOf("sub/d.txt") < r.rows.indexOf("sub/deep/e.txt"));
+    for (const char* f : {"DOCS/", "sub/", "sub/deep/", "excl/", "nomatch/"})
+      QVERIFY2(Contiguous(r.rows, QString::fromLatin1(f)), f);
+    QVERIFY(!r.rows.join(u' ').contains(QStringLiteral("link/")));  // never through a link
+    // Walked folders: the root and its seven real subfolders (not the link).
+    QCOMPARE(c.foldersScanned, 8);
+    QCOMPARE(c.nameHits, 8);
+  }
+
+  void everythingPreOrder() {
+    find::FindCriteria c = Criteria({QStringLiteral("*.*")}, true);
+    const Recorder r = Run(c);
+    QCOMPARE(r.rows.size(), 13 + 7 + 1);  // files, folders, the link itself
+    for (const char* folder : {"sub", "sub/deep", "DOCS", "excl", "excl/inner", "two", "nomatch"}) {
+      const QString f = QString::fromLatin1(folder);
+      const qsizetype at = r.rows.indexOf(f);
+      QVERIFY2(at >= 0, folder);
+      // The folder's row comes first, its contents right after it.
+      for (qsizetype i = 0; i < r.rows.size(); ++i)
+        if (r.rows[i].startsWith(f + u'/')) QVERIFY2(i > at, folder);
+      QVERIFY2(Contiguous(r.rows.mid(at), f + u'/'), folder);
+    }
+    QVERIFY(r.rows.contains(QStringLiteral("link")));
+    QVERIFY(!r.rows.contains(QStringLiteral("link/d.txt")));
+  }
+
+  // With the contained text as the only filter: hits in every folder, and
+  // every folder walked exactly once.
+  void containedTextOnly_data() {
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<int>("rows");
+    QTest::newRow("every name, found") << "*.*" << QByteArray("DATA") << 13;
+    QTest::newRow("every name, absent") << "*.*" << QByteArray("nothing") << 0;
+    QTest::newRow("one extension") << "*.txt" << QByteArray("data") << 8;
+  }
+  void containedTextOnly() {
+    QFETCH(QString, pattern);
+    QFETCH(QByteArray, text);
+    QFETCH(int, rows);
+    find::FindCriteria c = Criteria({pattern}, true);
+    c.textOn = true;
+    c.text = text;
+    find::SetTextCompare(&c, false);
+    c.search.SetText(text);
+    const Recorder r = Run(c);
+    QCOMPARE(r.rows.size(), rows);
+    QCOMPARE(c.foldersScanned, 8);
+    for (const QString& row : r.rows) QVERIFY2(!row.endsWith(u"sub") && !row.endsWith(u"DOCS"), qPrintable(row));
+  }
+
+  // A contained-text find leaves every file's access and write times (and
+  // a read-only file's mode) as they were.
+  void timeStampsKeptByTextFind_data() {
+    QTest::addColumn<bool>("textOnly");
+    QTest::newRow("text only") << true;
+    QTest::newRow("with a size filter") << false;
+  }
+  void timeStampsKeptByTextFind() {
+    QFETCH(bool, textOnly);
+    const QString folder = dir_.path() + (textOnly ? QStringLiteral("/stamps1/") : QStringLiteral("/stamps2/"));
+    const QStringList names{"a.txt", "b.txt", "ro.txt", "big.txt"};
+    for (const QString& n : names)
+      QVERIFY(testsupport::MakeFile(folder + n, n == u"big.txt" ? QByteArray(100000, 'x') + "needle" : "a needle"));
+    QVERIFY(QFile::setPermissions(folder + "ro.txt", QFileDevice::ReadOwner));
+    struct stat before[4];
+    for (int i = 0; i < 4; ++i) {
+      QVERIFY(testsupport::SetTimes(folder + names[i], QDateTime(QDate(2001, 1, 1), QTime(1, 2, 3), Qt::UTC),
+                                    QDateTime(QDate(2002, 2, 2), QTime(4, 5, 6), Qt::UTC)));
+      QCOMPARE(::stat(QFile::encodeName(folder + names[i]).constData(), &before[i]), 0);
+    }
+    find::FindCriteria c = Criteria({QStringLiteral("*.txt")}, true, {folder});
+    c.textOn = true;
+    c.text = "NEEDLE";
+    find::SetTextCompare(&c, false);
+    c.search.SetText(c.text);
+    c.sizeOn = !textOnly;
+    const Recorder r = Run(c);
+    QCOMPARE(r.rows.size(), 4);
+    for (int i = 0; i < 4; ++i) {
+      struct stat after {};
+      QCOMPARE(::stat(QFile::encodeName(folder + names[i]).constData(), &after), 0);
+      QCOMPARE(after.st_atim.tv_sec, before[i].st_atim.tv_sec);
+      QCOMPARE(after.st_mtim.tv_sec, before[i].st_mtim.tv_sec);
+      QCOMPARE(after.st_mode, before[i].st_mode);
+    }
+  }
+
+  void entryListedOncePerPattern() {
+    find::FindCriteria c = Criteria({QStringLiteral("l*"), QStringLiteral("*x")}, false, {root_ + "two/"});
+    const Recorder r = Run(c);
+    QStringList firstPattern = r.rows.mid(0, 2), secondPattern = r.rows.mid(2);
+    firstPattern.sort();
+    secondPattern.sort();
+    QCOMPARE(firstPattern, (QStringList{"two/la", "two/lx"}));
+    QCOMPARE(secondPattern, (QStringList{"two/bx", "two/lx"}));
+    QCOMPARE(c.nameHits, 4);
+  }
+
+  void twoPatternsWithSubfolders() {
+    find::FindCriteria c = Criteria({QStringLiteral("*.doc"), QStringLiteral("*x")}, true);
+    const Recorder r = Run(c);
+    QStringList sorted = r.rows;
+    sorted.sort();
+    QCOMPARE(sorted, (QStringList{"DOCS/x.doc", "sub/deep/y.doc", "two/bx", "two/lx"}));
+  }
+
+  void excludedLocationStillSearched() {
+    find::FindCriteria c = Criteria({QStringLiteral("*.txt")}, true, {root_ + "excl/", root_});
+    c.excludeOn = true;
+    c.excludes = QStringList{QStringLiteral("EXCL"), QStringLiteral("/deep/")};
+    const Recorder r = Run(c);
+    // The first location is searched, subfolders included, without exclusions.
+    QCOMPARE(r.rows.mid(0, 2), (QStringList{"excl/g.txt", "excl/inner/h.txt"}));
+    // The second is searched with them: excl and deep are left out.
+    QStringList rest = r.rows.mid(2);
+    rest.sort();
+    QCOMPARE(rest, (QStringList{"DOCS/c.txt", "a.txt", "b.txt", "nomatch/f.txt", "sub/d.txt"}));
+    QVERIFY(c.excludeOn);
+    // excl/inner + root, DOCS, sub, nomatch, two: the excluded location is not counted.
+    QCOMPARE(c.foldersScanned, 6);
+  }
+
+  void statusLine() {
+    find::FindCriteria c = Criteria({QStringLiteral("*.txt")}, true);
+    const Recorder r = Run(c);
+    QCOMPARE(r.statuses.first(), qMakePair(int(find::kStatusStart), QString()));
+    QVERIFY(r.sawStatus(find::kStatusProgress, root_));
+    QVERIFY(r.sawStatus(find::kStatusProgress, root_ + QStringLiteral("sub/deep/")));
+    QCOMPARE(r.statuses.last().first, int(find::kStatusFindEnd));
+    QVERIFY(QRegularExpression(QStringLiteral("^\\d+\\.\\d{3} sec \\(8 folders scanned, 8 name hits\\)$"))
+                .match(r.summary())
+                .hasMatch());
+    QVERIFY(!core::JobFlags::Busy());
+  }
+
+  void tidiedFolderNamesOnlyShown() {
+    find::FindCriteria c = Criteria({QStringLiteral("*.txt")}, true);
+    const Recorder r = Run(c);
+    const qsizetype at = r.rows.indexOf(QStringLiteral("DOCS/c.txt"));
+    QVERIFY(at >= 0);  // the walk used the real name
+    QCOMPARE(r.displayRows[at], QStringLiteral("Docs/c.txt"));
+    QVERIFY(r.sawStatus(find::kStatusProgress, root_ + QStringLiteral("Docs/")));
+  }
+
+  void tidy_data() {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("shown");
+    QTest::newRow("capitals") << "DOCS" << "Docs";
+    QTest::newRow("two words") << "MY DOCS" << "My Docs";
+    QTest::newRow("digits") << "WIN95" << "Win95";
+    QTest::newRow("dot") << "A.B" << "A.b";
+    QTest::newRow("12 characters") << "ABCDEFGHIJKL" << "Abcdefghijkl";
+    QTest::newRow("13 characters kept") << "ABCDEFGHIJKLM" << "ABCDEFGHIJKLM";
+    QTest::newRow("mixed case kept") << "Docs" << "Docs";
+    QTest::newRow("lower case kept") << "docs" << "docs";
+    QTest::newRow("umlaut") << "ÄRGER" << "Ärger";
+  }
+  void tidy() {
+    QFETCH(QString, name);
+    QFETCH(QString, shown);
+    QCOMPARE(find::FindJob::TidyFolderName(name), shown);
+  }
+
+  void escapeKeepsRows() {
+    find::FindCriteria c = Criteria({QStringLiteral("*.*")}, true);
+    Recorder r;
+    r.base = root_;
+    r.abortAfter = 3;
+    QVERIFY(!find::FindJob::Run(c, r, true));
+    QCOMPARE(r.rows.size(), 3);  // stopped before the next entry
+    QVERIFY(r.sawStatus(find::kStatusAborted, QString()));
+    QVERIFY(r.summary().endsWith(QStringLiteral(" name hits)  ABORTED")));
+    QCOMPARE(r.sorts, 1);  // the partial result is sorted like a full one
+    QVERIFY(!core::JobFlags::Busy());
+  }
+
+  void abortBeforeFirstLocation() {
+    // The flag is cleared when a find starts: an old Escape does not stop it.
+    core::JobFlags::RequestAbort();
+    find::FindCriteria c = Criteria({QStringLiteral("a.txt")}, false);
+    const Recorder r = Run(c);
+    QCOMPARE(r.rows, QStringList{"a.txt"});
+    QVERIFY(!r.summary().endsWith(QStringLiteral("ABORTED")));
+  }
+
+  void sortAnnouncement_data() {
+    QTest::addColumn<int>("sizeMax");
+    QTest::addColumn<int>("rows");
+    QTest::addColumn<bool>("sorting");
+    // 3001 files, one of them not empty: a size limit of 0 lists 3000.
+    QTest::newRow("3000 silent") << 0 << 3000 << false;
+    QTest::newRow("3001 announced") << 1 << 3001 << true;
+  }
+  void sortAnnouncement() {
+    QFETCH(int, sizeMax);
+    QFETCH(int, rows);
+    QFETCH(bool, sorting);
+    const QString folder = dir_.path() + QStringLiteral("/many/");
+    if (!QDir(folder).exists()) {
+      QVERIFY(testsupport::MakeFolder(folder));
+      for (int i = 0; i < 3000; ++i) QFile(folder + QString::number(i)).open(QIODevice::WriteOnly);
+      QVERIFY(testsupport::MakeFile(folder + QStringLiteral("x"), "1"));
+    }
+    find::FindCriteria c = Criteria({QStringLiteral("*.*")}, false, {folder});
+    c.sizeOn = true;
+    c.sizeMax = sizeMax;
+    const Recorder r = Run(c, true);
+    QCOMPARE(r.rows.size(), rows);
+    QCOMPARE(r.sawStatus(find::kStatusProgress, QStringLiteral("Sorting...")), sorting);
+    QCOMPARE(r.sorts, 1);
+    QCOMPARE(r.statuses.last().first, int(find::kStatusFindEnd));
+  }
+
+  void noSortWithoutRows() {
+    find::FindCriteria c = Criteria({QStringLiteral("nothing-like-this")}, true);
+    const Recorder r = Run(c, true);
+    QVERIFY(r.rows.isEmpty());
+    QCOMPARE(r.sorts, 0);
+  }
+
+  // The read-ahead serves folders in walk order and gives up, without harm,
+  // when the walk asks for another one.
+  void readAhead() {
+    find::FolderPrefetcher ahead(root_, true, {QStringLiteral("/two/")});
+    const auto first = ahead.take(root_);
+    QVERIFY(first && first->isOpen());
+    QStringList walkOrder;
+    for (qsizetype i = 0; i < first->count(); ++i)
+      if (first->isWalkableFolder(i) && first->name(i) != u"." && first->name(i) != u".." && first->name(i) != u"two")
+        walkOrder.append(first->name(i));
+    const auto second = ahead.take(root_ + walkOrder.first() + u'/');
+    QVERIFY(second && second->isOpen());
+    QVERIFY(!ahead.take(root_ + QStringLiteral("not-next/")));
+    QVERIFY(!ahead.take(root_ + walkOrder.last() + u'/'));  // off for good
+  }
+
+  void summaryText() {
+    QCOMPARE(find::FindJob::SummaryText(1.5, 1234, 56, false),
+             QStringLiteral("1.500 sec (1,234 folders scanned, 56 name hits)"));
+    QCOMPARE(find::FindJob::SummaryText(0, 0, 0, true), QStringLiteral("0.000 sec (0 folders scanned, 0 name hits)  ABORTED"));
+  }
+};
+
+QTEST_GUILESS_MAIN(TestFindJob)
+#include "TestFindJob.moc"
