@@ -8,9 +8,10 @@ namespace browser {
 
 UiYield::UiYield() : last_(platform::MonotonicMs()) {}
 
+bool UiYield::due() const { return platform::MonotonicMs() - last_ >= kIntervalMs; }
+
 void UiYield::operator()() {
-  const qint64 now = platform::MonotonicMs();
-  if (now - last_ < kIntervalMs) return;
+  if (!due()) return;
   QCoreApplication::processEvents(QEventLoop::AllEvents);
   last_ = platform::MonotonicMs();
 }

@@ -12,6 +12,8 @@ class UiYield {
 
   UiYield();
   void operator()();
+  // Whether the next call would let events run.
+  bool due() const;
 
  private:
   qint64 last_;

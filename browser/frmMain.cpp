@@ -22,6 +22,7 @@
 #include "browser/KeyHeldTracker.h"
 #include "browser/MainMenus.h"
 #include "browser/StatusLine.h"
+#include "browser/FindRunner.h"
 #include "browser/UiYield.h"
 #include "browser/list/CRellList.h"
 #include "core/DateStyles.h"
@@ -120,6 +121,7 @@ void frmMain::BuildUi() {
   connect(list_, &CRellList::OpenFile, this, &frmMain::OpenFromList);
   connect(list_, &CRellList::StatusObjects, status_, [this](const QString& text, int) { status_->ShowStatus(text); });
   connect(list_, &CRellList::StatusDisks, status_, [this](const QString& text, int) { status_->ShowStatus(text); });
+  finder_ = new FindRunner(this);
 
   // Escape must reach the main window before any control (the window previews keys).
   qApp->installEventFilter(this);
@@ -252,6 +254,7 @@ void frmMain::ApplySettings() {
   menus_->SetFavorites(settings_.favorites);
   menus_->SetCopyMoveTargets(settings_.copyTo, settings_.moveTo);
   UpdateHistoryMenu();
+  finder_->LoadValues();
 }
 
 void frmMain::SwitchMode(int mode) {
@@ -472,6 +475,7 @@ void frmMain::CollectSettings() {
   settings_.styles.treeStyle = quint8(tree_->styles());
   settings_.styles.listStyle = quint8(list_->styles());
   list_->model().storeInto(&Record());
+  finder_->StoreValues();
 }
 
 bool frmMain::SaveSettingsOnce() {

@@ -16,6 +16,7 @@ class BrowseFlow;
 class CRellList;
 class CRellTree;
 class CTabCtrl;
+class FindRunner;
 class KeyHeldTracker;
 class MainMenus;
 class StatusLine;
@@ -61,6 +62,7 @@ class frmMain : public QMainWindow {
   CTabCtrl* tabs() const { return tabs_; }
   StatusLine* statusLine() const { return status_; }
   MainMenus* menus() const { return menus_; }
+  FindRunner* finder() const { return finder_; }
   BrowseFlow* flow() const { return flow_; }
   KeyHeldTracker* keys() const { return keys_; }
   core::AppSettings& settings() { return settings_; }
@@ -120,6 +122,7 @@ class frmMain : public QMainWindow {
   QSplitter* splitMain_ = nullptr;   // tree | list
   QSplitter* splitPanel_ = nullptr;  // tree and list / info panel
   MainMenus* menus_ = nullptr;
+  FindRunner* finder_ = nullptr;
   BrowseFlow* flow_ = nullptr;
   KeyHeldTracker* keys_ = nullptr;
   QTimer* tmrCloseRetry = nullptr;

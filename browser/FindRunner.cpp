@@ -1,0 +1,105 @@
+#include "browser/FindRunner.h"
+
+#include <QMessageBox>
+
+#include "browser/CTabCtrl.h"
+#include "browser/UiYield.h"
+#include "browser/frmMain.h"
+#include "browser/list/CRellList.h"
+#include "browser/list/RowBuilder.h"
+#include "core/JobFlags.h"
+#include "core/ListModes.h"
+#include "find/BuildCriteria.h"
+#include "find/FindFilesTab.h"
+#include "find/FindJob.h"
+#include "platform/DirEntry.h"
+#include "platform/FolderReader.h"
+#include "platform/NativePath.h"
+#include "platform/Volumes.h"
+
+namespace browser {
+
+namespace {
+
+// Hits go straight into the list; the list shows the rows found so far each
+// time the walk yields, and the status line follows the walk.
+class WindowFindSink : public find::FindSink {
+ public:
+  explicit WindowFindSink(frmMain* window) : window_(window), list_(window->list()), builder_(&list_->model()) {}
+
+  void startFill() override { list_->beginFill(); }
+  void addRow(const platform::DirEntry& entry, const QString& folder, const QString&) override {
+    builder_.add(entry, folder);
+  }
+  qsizetype rowCount() const override { return list_->model().rowCount(); }
+  void sortRows() override {
+    list_->finishFill();
+    finished_ = true;
+  }
+  void showJobStatus(int mode, const QString& text) override { window_->ShowJobStatus(mode, text); }
+  void yield() override {
+    if (yield_.due()) list_->refresh();
+    yield_();
+  }
+
+  void finish() {
+    if (!finished_) list_->finishFill();
+  }
+
+ private:
+  frmMain* window_;
+  CRellList* list_;
+  RowBuilder builder_;
+  UiYield yield_;
+  bool finished_ = false;
+};
+
+QStringList DriveRoots() {
+  QStringList roots;
+  for (const platform::Volume& v : platform::MountedVolumes()) roots << v.root;
+  return roots;
+}
+
+}  // namespace
+
+FindRunner::FindRunner(frmMain* window) : QObject(window), window_(window), tab_(new find::FindFilesTab) {
+  window->tabs()->SetPage(CTabCtrl::kTabFind, tab_);
+  connect(tab_, &find::FindFilesTab::findRequested, this, [this] { RunFind(); });
+  window->SetAutoFindHandler([this](const QString& folder) { RunFind(folder); });
+  connect(window->list(), &CRellList::FileSelected, this, [this](const QString& path, bool) {
+    platform::DirEntry e;
+    if (window_->mode() != core::kModeDrives && platform::StatPath(path, &e))
+      tab_->setCurrentEntry(e.name, e.creationTime, e.lastWriteTime, e.lastAccessTime);
+  });
+}
+
+void FindRunner::LoadValues() { tab_->setValues(window_->settings().find); }
+
+void FindRunner::StoreValues() { window_->settings().find = tab_->values(); }
+
+bool FindRunner::RunFind(const QString& folder) {
+  if (core::JobFlags::Busy()) return false;
+  core::FindTabValues values = tab_->values();
+  if (!folder.isEmpty()) values.lookIn = folder;
+  find::FindCriteria criteria;
+  find::CriteriaMessage message;
+  const find::LookInRoot root{QStringLiteral("Computer"), DriveRoots()};
+  if (!find::BuildCriteria(values, {values.lookIn}, root, &criteria, &message)) {
+    if (message.icon == find::CriteriaMessage::kInformation)
+      QMessageBox::information(window_, QStringLiteral("Quorvane"), message.text);
+    else
+      QMessageBox::critical(window_, QStringLiteral("Quorvane"), message.text);
+    return false;
+  }
+  const QString findText = values.named.isEmpty() ? QStringLiteral("*.*") : values.named;
+  window_->setWindowTitle(QStringLiteral("Quorvane - ") + platform::DisplayText(values.lookIn) +
+                          QStringLiteral(" - Find: ") + findText);
+  window_->SwitchMode(core::kModeFind);
+  window_->list()->model().setFoundNoun(QStringLiteral("file"));
+  WindowFindSink sink(window_);
+  find::FindJob::Run(criteria, sink, true);
+  sink.finish();
+  return true;
+}
+
+}  // namespace browser
