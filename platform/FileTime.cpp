@@ -25,7 +25,7 @@ bool GetFileTimes(const QString& path, FileTimes* times) {
   struct statx st {};
   const QByteArray native = ToNative(path);
   if (statx(AT_FDCWD, native.constData(), 0, STATX_BASIC_STATS | STATX_BTIME, &st) != 0) return false;
-  times->creation = (st.stx_mask & STATX_BTIME) ? FileTimeFromUnix(st.stx_btime.tv_sec, st.stx_btime.tv_nsec) : 0;
+  times->creation = BirthFileTime(st.stx_mask & STATX_BTIME, st.stx_btime.tv_sec, st.stx_btime.tv_nsec);
   times->lastAccess = FileTimeFromUnix(st.stx_atime.tv_sec, st.stx_atime.tv_nsec);
   times->lastWrite = FileTimeFromUnix(st.stx_mtime.tv_sec, st.stx_mtime.tv_nsec);
   return true;

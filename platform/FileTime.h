@@ -11,6 +11,12 @@ inline constexpr qint64 kUnixEpochTicks = 116'444'736'000'000'000;  // 1970-01-0
 inline qint64 FileTimeFromUnix(qint64 seconds, qint64 nanoseconds) {
   return kUnixEpochTicks + seconds * kTicksPerSecond + nanoseconds / 100;
 }
+// A birth time as statx reports it: 0 where the file system keeps none, or
+// reports the Unix epoch itself, which images and some file systems write
+// for "not recorded".
+inline qint64 BirthFileTime(bool known, qint64 seconds, qint64 nanoseconds) {
+  return known && (seconds != 0 || nanoseconds != 0) ? FileTimeFromUnix(seconds, nanoseconds) : 0;
+}
 // Splits a FILETIME into Unix seconds and nanoseconds (floor division, so
 // times before 1970 keep a non-negative nanosecond part).
 void FileTimeToUnix(qint64 fileTime, qint64* seconds, qint64* nanoseconds);

@@ -51,7 +51,7 @@ void Fill(const struct statx& st, const QString& name, bool link, DirEntry* out)
   out->isLink = link;
   out->size = S_ISDIR(st.stx_mode) ? 0 : st.stx_size;
   out->attributes = AttributesOf(st, name);
-  out->creationTime = (st.stx_mask & STATX_BTIME) ? FileTimeFromUnix(st.stx_btime.tv_sec, st.stx_btime.tv_nsec) : 0;
+  out->creationTime = BirthFileTime(st.stx_mask & STATX_BTIME, st.stx_btime.tv_sec, st.stx_btime.tv_nsec);
   out->lastAccessTime = FileTimeFromUnix(st.stx_atime.tv_sec, st.stx_atime.tv_nsec);
   out->lastWriteTime = FileTimeFromUnix(st.stx_mtime.tv_sec, st.stx_mtime.tv_nsec);
 }

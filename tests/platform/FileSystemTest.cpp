@@ -22,6 +22,7 @@ class FileSystemTest : public QObject {
   void fileTimeConversions_data();
   void fileTimeConversions();
   void fileTimesRoundTrip();
+  void birthTimes();
   void enumeratesMatchesInFileSystemOrder();
   void invalidUtf8NameReachesItsFile();
   void unreadableFolderIsEmpty();
@@ -102,6 +103,13 @@ void FileSystemTest::fileTimesRoundTrip() {
   QVERIFY(SetFileTimes(path, 0, FileTimeFromUnix(1300000000, 0)));  // zero keeps the access time
   QVERIFY(GetFileTimes(path, &t));
   QCOMPARE(t.lastAccess, access);
+}
+
+void FileSystemTest::birthTimes() {
+  QCOMPARE(BirthFileTime(false, 1000, 0), qint64(0));        // not kept
+  QCOMPARE(BirthFileTime(true, 0, 0), qint64(0));            // the epoch stands for "not recorded"
+  QCOMPARE(BirthFileTime(true, 0, 100), kUnixEpochTicks + 1);
+  QCOMPARE(BirthFileTime(true, 1000, 0), FileTimeFromUnix(1000, 0));
 }
 
 void FileSystemTest::enumeratesMatchesInFileSystemOrder() {
