@@ -1,6 +1,7 @@
 #include "browser/FindRunner.h"
 
 #include <QMessageBox>
+#include <QScrollArea>
 
 #include "browser/CTabCtrl.h"
 #include "browser/UiYield.h"
@@ -63,7 +64,13 @@ QStringList DriveRoots() {
 }  // namespace
 
 FindRunner::FindRunner(frmMain* window) : QObject(window), window_(window), tab_(new find::FindFilesTab) {
-  window->tabs()->SetPage(CTabCtrl::kTabFind, tab_);
+  // The tab has many controls; it scrolls rather than widen the window.
+  auto* scroll = new QScrollArea;
+  scroll->setObjectName(QStringLiteral("scrFindFiles"));
+  scroll->setWidgetResizable(true);
+  scroll->setFrameShape(QFrame::NoFrame);
+  scroll->setWidget(tab_);
+  window->tabs()->SetPage(CTabCtrl::kTabFind, scroll);
   connect(tab_, &find::FindFilesTab::findRequested, this, [this] { RunFind(); });
   window->SetAutoFindHandler([this](const QString& folder) { RunFind(folder); });
   connect(window->list(), &CRellList::FileSelected, this, [this](const QString& path, bool) {
