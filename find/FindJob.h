@@ -10,7 +10,8 @@ namespace find {
 //
 //   find::FindCriteria criteria;
 //   find::CriteriaMessage message;
-//   if (!find::BuildCriteria(tab->values(), {values.lookIn}, {treeRootName, drives}, &criteria, &message)) {
+//   const core::FindTabValues values = tab->values();
+//   if (!find::BuildCriteria(values, {values.lookIn}, {treeRootName, drives}, &criteria, &message)) {
 //     show message.text with message.icon; return;   // nothing else changes
 //   }
 //   find::FindJob::Run(criteria, sink, sortingOn);
