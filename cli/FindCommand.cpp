@@ -16,13 +16,43 @@ namespace {
 using V = core::FindTabValues;
 
 // Find rows go into the Find-mode list model; statuses to standard error.
+// Unless the rows are to be sorted, each row is also printed as it is found
+// (the list's visible columns in display order, tab-separated), so that the
+// output overlaps the walk; it leaves in chunks of about a megabyte.
 class CliFindSink : public find::FindSink {
  public:
-  CliFindSink(browser::ListModel* model, QTextStream& err) : model_(model), builder_(model), err_(err) {}
+  CliFindSink(browser::ListModel* model, QTextStream& out, QTextStream& err, bool stream, bool header)
+      : model_(model), builder_(model), out_(out), err_(err), stream_(stream), header_(header) {}
+  ~CliFindSink() override { flush(); }
 
-  void startFill() override { model_->beginFill(); }
+  void startFill() override {
+    model_->beginFill();
+    if (!stream_) return;
+    for (int c : model_->columns().visibleInOrder()) data_.push_back(model_->columns().column(c).dataIndex);
+    buffer_.reserve(kChunk + 4096);
+    if (!header_) return;
+    const std::vector<int> columns = model_->columns().visibleInOrder();
+    for (size_t i = 0; i < columns.size(); ++i) {
+      if (i) buffer_.append(u'\t');
+      buffer_.append(model_->columns().column(columns[i]).caption);
+    }
+    buffer_.append(u'\n');
+  }
   void addRow(const platform::DirEntry& entry, const QString& folder, const QString&) override {
     builder_.add(entry, folder);
+    if (!stream_) return;
+    const browser::RowId id = model_->rowAt(model_->rowCount() - 1);
+    for (size_t i = 0; i < data_.size(); ++i) {
+      if (i) buffer_.append(u'\t');
+      model_->appendDataText(&buffer_, id, data_[i]);
+    }
+    buffer_.append(u'\n');
+    if (buffer_.size() >= kChunk) flush();
+  }
+  void flush() {
+    if (buffer_.isEmpty()) return;
+    out_ << buffer_;
+    buffer_.resize(0);  // keeps its capacity
   }
   qsizetype rowCount() const override { return model_->rowCount(); }
   void sortRows() override { model_->sortAgain(); }
@@ -33,9 +63,15 @@ class CliFindSink : public find::FindSink {
   const QString& summary() const { return summary_; }
 
  private:
+  static constexpr qsizetype kChunk = 1 << 20;
   browser::ListModel* model_;
   browser::RowBuilder builder_;
+  QTextStream& out_;
   QTextStream& err_;
+  const bool stream_;
+  const bool header_;
+  std::vector<int> data_;
+  QString buffer_;
   QString summary_;
 };
 
@@ -139,9 +175,12 @@ int RunFindCommand(CliContext& ctx) {
     ctx.err << message.text << '\n';
     return kExitUsage;
   }
-  CliFindSink sink(&model, ctx.err);
-  find::FindJob::Run(criteria, sink, parser.isSet(QStringLiteral("sort")));
-  browser::ListPrinter::Print(model, ctx.out, !parser.isSet(QStringLiteral("no-header")));
+  const bool sort = parser.isSet(QStringLiteral("sort"));
+  const bool header = !parser.isSet(QStringLiteral("no-header"));
+  CliFindSink sink(&model, ctx.out, ctx.err, !sort, header);
+  find::FindJob::Run(criteria, sink, sort);
+  if (sort) browser::ListPrinter::Print(model, ctx.out, header);
+  sink.flush();
   ctx.out.flush();
   ctx.err << sink.summary() << '\n';
   return kExitOk;

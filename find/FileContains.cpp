@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <limits>
 #include <cstring>
 #include <vector>
 
@@ -29,33 +30,34 @@ qsizetype ReadFully(int fd, char* buffer, qsizetype size) {
   return done;
 }
 
-// The read itself, on an open regular file of `length` bytes: whole when it
-// fits one block, else block by block. Block k covers [k * step, k * step +
-// block) with step = block - overlap: the last `overlap` bytes of one block
-// are the first of the next, so that a match across a block boundary is seen
-// whole; they move instead of being read again. Reads stop at `length` (the
-// length taken before) or at an earlier end of the file.
+// The read itself, on an open regular file of `length` bytes (-1: up to its
+// end): whole when it fits one block, else block by block. Block k covers
+// [k * step, k * step + block) with step = block - overlap: the last `overlap`
+// bytes of one block are the first of the next, so that a match across a
+// block boundary is seen whole; they move instead of being read again. Reads
+// stop at `length` or at an earlier end of the file.
 bool SearchFile(int fd, qint64 length, const TextSearch& search, const YieldHook& yield) {
   char b[kContainsBlock];
-  if (length <= kContainsBlock) return search.foundIn(b, ReadFully(fd, b, qsizetype(length)));
+  if (length >= 0 && length <= kContainsBlock) return search.foundIn(b, ReadFully(fd, b, qsizetype(length)));
   const qsizetype overlap = search.maxMatchLength() > 1 ? search.maxMatchLength() - 1 : 0;
-  posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
-  qint64 left = length;
+  qint64 left = length >= 0 ? length : std::numeric_limits<qint64>::max();
   qsizetype have = 0;
   for (qint64 block = 0; left > 0; ++block) {
     if (block > 0) {
       if (yield) yield();
       if (core::JobFlags::AbortRequested()) return false;
+      if (block == 1) posix_fadvise(fd, 0, 0, POSIX_FADV_SEQUENTIAL);
       const qsizetype keep = have < overlap ? have : overlap;
       std::memmove(b, b + have - keep, size_t(keep));
       have = keep;
     }
     const qsizetype want = qsizetype(std::min<qint64>(kContainsBlock - have, left));
     const qsizetype got = ReadFully(fd, b + have, want);
+    if (got == 0 && block > 0) break;  // nothing new: the rest was searched already
     have += got;
     left -= got;
     if (search.foundIn(b, have)) return true;
-    if (got < want) break;  // the file ended early
+    if (got < want) break;  // the end of the file
   }
   return false;
 }

@@ -18,7 +18,8 @@ using YieldHook = std::function<void()>;
 // the entry's index in it (the file is then opened relative to the folder,
 // and `path` may be left empty), that it is a regular file, and its size
 // (-1: unknown). Or the file itself, already opened with O_NOATIME (`fd`,
-// with `regular` and `size` set); it is read and left open.
+// with `regular` set); it is read (to its end when the size is unknown) and
+// left open.
 struct EntryInFolder {
   const platform::FolderReader* folder = nullptr;
   const QString* folderPath = nullptr;

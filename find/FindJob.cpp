@@ -94,15 +94,17 @@ class Walker {
   bool testEntry(const platform::FolderReader& reader, qsizetype i, const QString& folder, const QString& display,
                  platform::DirEntry* entry) {
     if (textOnly_ && reader.isRegularFile(i)) {
-      // The text is the only test: open the plain file first and take its
-      // data from the open file, one name lookup instead of two. (Where the
-      // system refuses O_NOATIME, the usual way below guards the times.)
-      const int fd = reader.openAndStat(i, O_RDONLY | O_NOCTTY | O_NONBLOCK | O_NOATIME, entry);
+      // The text is the only test: read the plain file first and stat only
+      // the hits, from the open file. Length 0 still holds nothing: a file
+      // that reads as more (a pseudo file) is no hit. (Where the system
+      // refuses O_NOATIME, the usual way below guards the times.)
+      const int fd = reader.openEntry(i, O_RDONLY | O_NOCTTY | O_NONBLOCK | O_NOATIME);
       if (fd >= 0) {
-        const bool hit =
-            PassesFilters(c_, *entry, QString(), yieldHook_, {&reader, &folder, i, true, qint64(entry->size), fd});
+        bool hit = PassesFilters(c_, platform::DirEntry(), QString(), yieldHook_, {&reader, &folder, i, true, -1, fd});
+        hit = hit && reader.statOpened(i, fd, entry) && entry->size > 0;
         close(fd);
         if (hit) sink_.addRow(*entry, folder, display);
+        else *entry = platform::DirEntry();  // nothing to recurse into
         return true;
       }
     }

@@ -10,8 +10,11 @@ namespace find {
 //
 //   find::FindCriteria criteria;
 //   find::CriteriaMessage message;
-//   if (!find::BuildCriteria(values, lookIn, rootName, rootFolders, &criteria, &message)) { show message; return; }
-//   find::FindJob::Run(criteria, sink, sortAfterwards);
+//   const core::FindTabValues values = tab->values();
+//   if (!find::BuildCriteria(values, {values.lookIn}, {treeRootName, drives}, &criteria, &message)) {
+//     show message.text with message.icon; return;   // nothing else changes
+//   }
+//   find::FindJob::Run(criteria, sink, sortingOn);
 //
 // Run clears the process-wide abort flag and the counters, sets the busy flag,
 // tells the sink to start a Find-mode fill and reports status 0, walks the

@@ -28,8 +28,12 @@ class FindSink {
   // in "/"), plus the same folder as the list shows it (names tidied).
   virtual void addRow(const platform::DirEntry& entry, const QString& folder, const QString& displayFolder) = 0;
   virtual qsizetype rowCount() const = 0;
-  // Sort by the current sort column with its direction kept.
+  // Sort by the current sort column with its direction kept. The walk has
+  // already shown "Sorting..." when the rows are more than 3000, so the list
+  // should not announce it again.
   virtual void sortRows() {}
+  // The status line (ShowJobStatus). Mode 3 comes with the finished summary
+  // line, "0.000 sec (n folders scanned, n name hits)" and "  ABORTED".
   virtual void showJobStatus(int mode, const QString& text) { (void)mode, (void)text; }
   // Called at each folder, every few hundred entries and between the blocks
   // of a contained-text read; the window runs its event loop here when some

@@ -39,7 +39,8 @@ bool FolderPrefetcher::put(Item item) {
   if (stop_) return false;
   queue_.push_back(std::move(item));
   ready_.store(queue_.size(), std::memory_order_release);
-  const bool wake = consumerWaiting_;
+  // A waiting walk is woken when a few folders are ready, not for each one.
+  const bool wake = consumerWaiting_ && queue_.size() >= kWakeBatch;
   lock.unlock();
   if (wake) notEmpty_.notify_one();
   return true;
@@ -56,7 +57,7 @@ FolderPrefetcher::Reader FolderPrefetcher::take(const QString& path) {
   if (off_) return nullptr;
   if (queue_.empty() && !done_) {
     consumerWaiting_ = true;
-    notEmpty_.wait(lock, [this] { return !queue_.empty() || done_; });
+    notEmpty_.wait(lock, [this] { return queue_.size() >= kWakeBatch || done_; });
     consumerWaiting_ = false;
   }
   if (queue_.empty() || queue_.front().path != path) {

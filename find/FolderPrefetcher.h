@@ -40,7 +40,8 @@ class FolderPrefetcher {
   void run(QString location);
   bool put(Item item);  // false when told to stop
 
-  static constexpr size_t kAhead = 64;  // folders (and descriptors) held ahead
+  static constexpr size_t kAhead = 64;     // folders (and descriptors) held ahead
+  static constexpr size_t kWakeBatch = 8;  // folders ready before a waiting walk is woken
 
   const bool excludeOn_;
   const QStringList excludes_;

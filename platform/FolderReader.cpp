@@ -9,7 +9,6 @@
 #include <unistd.h>
 
 #include <atomic>
-#include <cerrno>
 #include <cstdio>
 #include <cstring>
 
@@ -141,20 +140,13 @@ void FolderReader::readPlain() {
   }
 }
 
-int FolderReader::openAndStat(qsizetype i, int flags, DirEntry* out) const {
-  const int fd = openEntry(i, flags);
-  if (fd < 0) return -1;
+bool FolderReader::statOpened(qsizetype i, int fd, DirEntry* out) const {
   struct statx st {};
-  if (statx(fd, "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC, STATX_BASIC_STATS | STATX_BTIME, &st) != 0) {
-    const int saved = errno;
-    close(fd);
-    errno = saved;
-    return -1;
-  }
+  if (statx(fd, "", AT_EMPTY_PATH | AT_STATX_DONT_SYNC, STATX_BASIC_STATS | STATX_BTIME, &st) != 0) return false;
   Fill(st, names_[size_t(i)], false, out);
   if (vfat_) out->attributes = VfatAttributes(fd_, ToNative(names_[size_t(i)]), out->attributes);
   out->alias = alias(i);
-  return fd;
+  return true;
 }
 
 int FolderReader::openEntry(qsizetype i, int flags) const {

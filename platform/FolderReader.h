@@ -33,10 +33,10 @@ class FolderReader {
   bool stat(qsizetype i, DirEntry* out) const;
   // Opens entry i relative to the folder (open(2) flags); -1 on failure.
   int openEntry(qsizetype i, int flags) const;
-  // Opens entry i and fills `out` from the open file: one name lookup for
-  // both. For plain files (a link would show the link's target without the
-  // link flag). -1 on failure, with errno from the open.
-  int openAndStat(qsizetype i, int flags, DirEntry* out) const;
+  // Fills `out` for entry i from the file the caller opened with
+  // openEntry: no second name lookup. For plain files (a link would show its
+  // target without the link flag).
+  bool statOpened(qsizetype i, int fd, DirEntry* out) const;
 
  private:
   void read();

@@ -1,7 +1,9 @@
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "core/JobFlags.h"
 #include "find/FileContains.h"
@@ -142,6 +144,14 @@ class TestFileContains : public QObject {
     const QString path = Write(Filler(size, needle, at));
     QCOMPARE(QFileInfo(path).size(), size);
     QCOMPARE(find::FileContains(Search(text, caseSensitive), path), found);
+    // The same file already open, its length unknown: read to its end.
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY);
+    QVERIFY(fd >= 0);
+    find::EntryInFolder open;
+    open.fd = fd;
+    open.regular = true;
+    QCOMPARE(find::FileContains(Search(text, caseSensitive), QString(), {}, open), found);
+    ::close(fd);
   }
 
   void tooLongText() {
