@@ -167,9 +167,9 @@ void frmMain::ConnectMenus() {
   connect(m, &MainMenus::SortColumnChosen, this, [this](int column) { list_->sortBy(column, false); });
   connect(m->menAdjustWidths, &QAction::triggered, this, [this] { list_->adjustAllWidths(); });
   connect(m->menDefaultOrder, &QAction::triggered, this, [this] {
-    const core::ListModeSpec& spec = core::kListModes[size_t(mode_)];
-    list_->model().setColumnOrder(QString::fromLatin1(spec.defaultOrder));
-    list_->model().setVisibility(QString::fromLatin1(spec.defaultVisible));
+    const core::ListModeDef& def = core::kListModes[size_t(mode_)];
+    list_->model().setColumnOrder(QString::fromLatin1(def.defaultOrder));
+    list_->model().setVisibility(QString::fromLatin1(def.defaultVisible));
     list_->refresh();
   });
   connect(m->menOriginalOrder, &QAction::triggered, this, [this] {

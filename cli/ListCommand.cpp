@@ -13,12 +13,12 @@ namespace {
 
 // "--sort COLUMN[:asc|:desc]": a caption (any case) or a column number.
 // Without a direction the header-click rule picks one (dates newest first).
-bool ApplySort(browser::ListModel* model, const QString& spec, QString* error) {
-  QString column = spec, direction;
-  const qsizetype colon = spec.lastIndexOf(u':');
+bool ApplySort(browser::ListModel* model, const QString& sortText, QString* error) {
+  QString column = sortText, direction;
+  const qsizetype colon = sortText.lastIndexOf(u':');
   if (colon >= 0) {
-    column = spec.left(colon);
-    direction = spec.mid(colon + 1).toLower();
+    column = sortText.left(colon);
+    direction = sortText.mid(colon + 1).toLower();
   }
   bool numeric = false;
   int index = column.toInt(&numeric);

@@ -11,7 +11,7 @@ inline constexpr int kModeCount = 3;
 // What a mode shows: its column definition (caption[.kind][/dataIndex], comma
 // separated), the captions the size format applies to (also the right-align
 // list), the default visibility mask and the default column-order string.
-struct ListModeSpec {
+struct ListModeDef {
   const char* name;
   const char* columns;
   const char* sizeColumns;
@@ -19,7 +19,7 @@ struct ListModeSpec {
   const char* defaultOrder;
 };
 
-inline constexpr std::array<ListModeSpec, kModeCount> kListModes = {{
+inline constexpr std::array<ListModeDef, kModeCount> kListModes = {{
     {"Browse", "Name,Ext,Size.n10,Type,Created.d,Modified.d,Accessed.d,Attr", "Size", "11111111",
      "Name.100,Ext.38,Size.50,Type.80,Created.100,Modified.100,Accessed.64,Attr.43"},
     {"Find", "Name,Ext,Size.n10,Type,Created.d,Modified.d,Accessed.d,Attr,Path", "Size", "111111111",
@@ -58,9 +58,9 @@ struct ModeRecord {
 // The records with their defaults ("Find" alone has the alternate colour on).
 inline ModeRecord DefaultModeRecord(int mode) {
   ModeRecord r;
-  const ListModeSpec& spec = kListModes[size_t(mode)];
-  r.name = QString::fromLatin1(spec.name);
-  r.defaultVisible = QString::fromLatin1(spec.defaultVisible);
+  const ListModeDef& def = kListModes[size_t(mode)];
+  r.name = QString::fromLatin1(def.name);
+  r.defaultVisible = QString::fromLatin1(def.defaultVisible);
   r.visible = r.defaultVisible;
   r.altColor = mode == kModeFind;
   return r;

@@ -6,13 +6,13 @@
 
 namespace find {
 
-// Captions shared by the tab and the find-spec text.
+// Captions shared by the tab and the criteria text.
 QStringList DateKindCaptions();       // "&created", "&modified", "&accessed", "created &or modified"
 QStringList SizeUnitCaptions();       // "Bytes", "KB", "MB"
 QStringList AttributeCaptions();      // "Read-only" ... "Compressed", in attribute-table order
 QStringList WatchCaptions();          // "Name", "Size", "Date", "Excl.", "Attr.", "Text"
 
-// The find-spec text at the head of list reports: locations, the subfolder
+// The criteria text at the head of list reports: locations, the subfolder
 // switch, each filter or "[ignored]", and the results as the status bar shows
 // them. Lines end in CR LF.
 QString DescribeCriteria(const core::FindTabValues& values, const QStringList& locations, const QString& results);

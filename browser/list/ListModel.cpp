@@ -81,12 +81,12 @@ ListModel::ListModel() { setMode(core::kModeBrowse, core::DefaultModeRecord(core
 void ListModel::setMode(int mode, const core::ModeRecord& record) {
   if (mode < 0 || mode >= core::kModeCount) mode = core::kModeBrowse;
   mode_ = mode;
-  const core::ListModeSpec& spec = core::kListModes[size_t(mode)];
-  const QString sizeColumns = QString::fromLatin1(spec.sizeColumns);
-  columns_.define(QString::fromLatin1(spec.columns), sizeColumns);
+  const core::ListModeDef& def = core::kListModes[size_t(mode)];
+  const QString sizeColumns = QString::fromLatin1(def.sizeColumns);
+  columns_.define(QString::fromLatin1(def.columns), sizeColumns);
   sizeColumns_ = sizeColumns.split(u',');
-  columns_.setColumnOrder(record.positions.isEmpty() ? QString::fromLatin1(spec.defaultOrder) : record.positions);
-  columns_.setVisibility(record.visible.isEmpty() ? QString::fromLatin1(spec.defaultVisible) : record.visible);
+  columns_.setColumnOrder(record.positions.isEmpty() ? QString::fromLatin1(def.defaultOrder) : record.positions);
+  columns_.setVisibility(record.visible.isEmpty() ? QString::fromLatin1(def.defaultVisible) : record.visible);
   sortOrder_ = quint32(record.sortOrder);
   setFormats(record.sizeFormat, record.dateStyle, record.timeStyle);
   foundNoun_.clear();

@@ -59,9 +59,9 @@ class tst_ColumnLayout : public QObject {
   }
 
   void drivesDefinition() {
-    const core::ListModeSpec& spec = core::kListModes[core::kModeDrives];
+    const core::ListModeDef& def = core::kListModes[core::kModeDrives];
     ColumnLayout layout;
-    layout.define(QString::fromLatin1(spec.columns), QString::fromLatin1(spec.sizeColumns));
+    layout.define(QString::fromLatin1(def.columns), QString::fromLatin1(def.sizeColumns));
     QCOMPARE(layout.count(), 7);
     const int data[] = {0, 3, 9, 10, 11, 12, 13};
     const bool right[] = {false, false, true, true, true, false, false};
@@ -69,10 +69,10 @@ class tst_ColumnLayout : public QObject {
       QCOMPARE(layout.column(i).dataIndex, data[i]);
       QCOMPARE(layout.column(i).rightAligned, right[i]);
     }
-    layout.setColumnOrder(QString::fromLatin1(spec.defaultOrder));
+    layout.setColumnOrder(QString::fromLatin1(def.defaultOrder));
     QCOMPARE(layout.columnOrder(), QStringLiteral("Name.130,Type.110,Total Size.70,Free Space.70,Per Cluster.76,"
                                                   "Vol Serial.68,File System.70,"));
-    layout.setVisibility(QString::fromLatin1(spec.defaultVisible));  // eight characters, seven columns
+    layout.setVisibility(QString::fromLatin1(def.defaultVisible));  // eight characters, seven columns
     QCOMPARE(layout.visibility(), QStringLiteral("1111111"));
   }
 
