@@ -90,7 +90,10 @@ bool FindRunner::RunFind(const QString& folder) {
   if (!folder.isEmpty()) values.lookIn = folder;
   find::FindCriteria criteria;
   find::CriteriaMessage message;
-  const find::LookInRoot root{QStringLiteral("Computer"), DriveRoots()};
+  // The drives are asked only when "Look in" names the tree's root: a volume
+  // that does not answer must not hold up every other find.
+  const QString rootName = QStringLiteral("Computer");
+  const find::LookInRoot root{rootName, values.lookIn == rootName ? DriveRoots() : QStringList()};
   if (!find::BuildCriteria(values, {values.lookIn}, root, &criteria, &message)) {
     if (message.icon == find::CriteriaMessage::kInformation)
       QMessageBox::information(window_, QStringLiteral("Quorvane"), message.text);
