@@ -1,6 +1,7 @@
 #include "browser/list/ListPrinter.h"
 
 #include "browser/list/ListModel.h"
+#include "core/RowEscape.h"
 
 namespace browser {
 
@@ -11,6 +12,7 @@ void ListPrinter::Print(const ListModel& model, QTextStream& out, bool header) {
   constexpr qsizetype kChunk = 1 << 20;
   QString buffer;
   buffer.reserve(kChunk + 4096);
+  QString cell;
   if (header) {
     for (size_t i = 0; i < columns.size(); ++i) {
       if (i) buffer.append(u'\t');
@@ -21,7 +23,9 @@ void ListPrinter::Print(const ListModel& model, QTextStream& out, bool header) {
   for (RowId id : model.displayArray()) {
     for (size_t i = 0; i < data.size(); ++i) {
       if (i) buffer.append(u'\t');
-      model.appendDataText(&buffer, id, data[i]);
+      cell.clear();
+      model.appendDataText(&cell, id, data[i]);
+      core::AppendRowField(&buffer, cell);
     }
     buffer.append(u'\n');
     if (buffer.size() >= kChunk) {

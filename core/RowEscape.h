@@ -1,0 +1,15 @@
+#pragma once
+#include <QString>
+#include <QStringView>
+
+namespace core {
+
+// One entry, one line: command-line rows are tab-separated and end in a
+// newline, so a field escapes what would break them. "\" becomes "\\", tab,
+// newline and carriage return become "\t", "\n", "\r", other control
+// characters and the raw bytes of names that are not valid UTF-8 become
+// "\xHH", so a script gets the exact bytes back.
+void AppendRowField(QString* out, QStringView text);
+QString RowField(QStringView text);
+
+}  // namespace core
