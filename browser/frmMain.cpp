@@ -133,8 +133,12 @@ void frmMain::ConnectMenus() {
   connect(m, &MainMenus::SizeFormatChosen, this, &frmMain::ChooseSizeFormat);
   connect(m, &MainMenus::DateStyleChosen, this, &frmMain::ChooseDateStyle);
   connect(m, &MainMenus::TimeStyleChosen, this, &frmMain::ChooseTimeStyle);
-  // Ages are not drawn by this list yet: the flag is kept, the entry cannot change it.
-  m->menAge->setEnabled(false);
+  connect(m->menAge, &QAction::toggled, this, [this](bool on) {
+    if (on == Record().age) return;
+    Record().age = on;
+    list_->model().setAge(on);
+    list_->setFormats(Record().sizeFormat, Record().dateStyle, Record().timeStyle);
+  });
   connect(m, &MainMenus::TreeStyleToggled, this, [this](int bit, bool on) {
     const int bits = on ? tree_->styles() | bit : tree_->styles() & ~bit;
     tree_->setStyles(bits);

@@ -37,7 +37,10 @@ void PrintHelp(QTextStream& out) {
          "  --open FOLDER       open the window on FOLDER\n"
          "  --screenshot FILE   open the window, save a PNG of it to FILE once the list is\n"
          "                      filled, and exit (settings are left as they were)\n"
-         "  --help, --version\n";
+         "  --help, --version\n"
+         "\nRows are tab-separated, one entry a line. In every field a backslash reads \\\\,\n"
+         "a tab \\t, a line feed \\n, a carriage return \\r, and any other control character\n"
+         "or byte of a name that is not valid UTF-8 \\xHH, so the exact bytes can be restored.\n";
 }
 
 }  // namespace

@@ -28,25 +28,15 @@ class CliFindSink : public find::FindSink {
   void startFill() override {
     model_->beginFill();
     if (!stream_) return;
-    for (int c : model_->columns().visibleInOrder()) data_.push_back(model_->columns().column(c).dataIndex);
+    data_ = browser::ListPrinter::VisibleData(*model_);
     buffer_.reserve(kChunk + 4096);
-    if (!header_) return;
-    const std::vector<int> columns = model_->columns().visibleInOrder();
-    for (size_t i = 0; i < columns.size(); ++i) {
-      if (i) buffer_.append(u'\t');
-      buffer_.append(model_->columns().column(columns[i]).caption);
-    }
-    buffer_.append(u'\n');
+    if (header_) browser::ListPrinter::AppendHeader(*model_, &buffer_);
   }
   void addRow(const platform::DirEntry& entry, const QString& folder, const QString&) override {
     builder_.add(entry, folder);
     if (!stream_) return;
     const browser::RowId id = model_->rowAt(model_->rowCount() - 1);
-    for (size_t i = 0; i < data_.size(); ++i) {
-      if (i) buffer_.append(u'\t');
-      model_->appendDataText(&buffer_, id, data_[i]);
-    }
-    buffer_.append(u'\n');
+    browser::ListPrinter::AppendRow(*model_, id, data_, &buffer_, &cell_);
     if (buffer_.size() >= kChunk) flush();
   }
   void flush() {
@@ -68,6 +58,7 @@ class CliFindSink : public find::FindSink {
   browser::RowBuilder builder_;
   QTextStream& out_;
   QTextStream& err_;
+  QString cell_;
   const bool stream_;
   const bool header_;
   std::vector<int> data_;

@@ -545,6 +545,20 @@ void CRellList::autoAdjustWidths() {
   }
 }
 
+void CRellList::fitColumn(int column) {
+  // The widest of the caption and the cells on screen, as desktop lists do.
+  const QFontMetrics fm(font());
+  ColumnLayout& layout = model_.columns();
+  const ListColumn& col = layout.column(column);
+  int w = fm.horizontalAdvance(col.caption) + 4 * kTextInset;
+  const int end = std::min(model_.rowCount(), model_.top() + model_.pageRows() + 1);
+  for (int i = std::max(0, model_.top()); i < end; ++i)
+    w = std::max(w, fm.horizontalAdvance(model_.dataText(model_.rowAt(i), col.dataIndex)) + 2 * kTextInset);
+  if (col.dataIndex == 0 && styleOption(kShowIcons)) w += kIconSize + kTextInset;
+  layout.setWidth(column, w);
+  refresh();
+}
+
 void CRellList::adjustAllWidths() {
   autoAdjustWidths();
   refresh();

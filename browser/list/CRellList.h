@@ -71,6 +71,8 @@ class CRellList : public QAbstractScrollArea {
   void selectAll();
   void invertSelection();
   void adjustAllWidths();
+  // Fits one column (layout index) to its caption and the rows on screen.
+  void fitColumn(int column);
   void startRename();
 
   int topIndex() const { return model_.top(); }

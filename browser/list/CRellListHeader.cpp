@@ -148,7 +148,9 @@ void CRellListHeader::mouseReleaseEvent(QMouseEvent* event) {
 }
 
 void CRellListHeader::mouseDoubleClickEvent(QMouseEvent* event) {
-  if (edgeAt(int(event->position().x())) >= 0) list_->adjustAllWidths();
+  // A double click on a divider fits the column left of it.
+  const int edge = edgeAt(int(event->position().x()));
+  if (edge >= 0) list_->fitColumn(list_->model().columns().visibleInOrder()[size_t(edge)]);
 }
 
 }  // namespace browser

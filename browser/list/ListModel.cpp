@@ -5,11 +5,13 @@
 
 #include "browser/list/FoldCase.h"
 #include "browser/list/ListSorter.h"
+#include "core/AgeText.h"
 #include "core/AttributeText.h"
 #include "core/DatePattern.h"
 #include "core/DateStyles.h"
 #include "core/NumberFormat.h"
 #include "core/SizeFormat.h"
+#include "platform/FileTime.h"
 #include "platform/NativePath.h"
 
 namespace browser {
@@ -89,6 +91,7 @@ void ListModel::setMode(int mode, const core::ModeRecord& record) {
   columns_.setVisibility(record.visible.isEmpty() ? QString::fromLatin1(def.defaultVisible) : record.visible);
   sortOrder_ = quint32(record.sortOrder);
   setFormats(record.sizeFormat, record.dateStyle, record.timeStyle);
+  setAge(record.age);
   foundNoun_.clear();
   clearRows();
 }
@@ -98,6 +101,7 @@ void ListModel::storeInto(core::ModeRecord* record) const {
   record->sizeFormat = sizeFormat_;
   record->dateStyle = qint16(dateStyle_);
   record->timeStyle = qint16(timeStyle_);
+  record->age = age_;
   record->positions = columns_.columnOrder();
   record->visible = columns_.visibility();
 }
@@ -116,6 +120,11 @@ void ListModel::setFormats(int sizeFormat, int dateStyle, int timeStyle) {
   formats_ = std::make_shared<const Formats>(core::DateStylePattern(dateStyle), core::TimeStylePattern(timeStyle));
 }
 
+void ListModel::setAge(bool on) {
+  age_ = on;
+  ageNow_ = core::UtcMinutesSince1601Now();
+}
+
 // ---- rows ----
 
 void ListModel::clearRows() {
@@ -131,6 +140,7 @@ void ListModel::clearRows() {
 
 void ListModel::beginFill() {
   clearRows();
+  if (age_) ageNow_ = core::UtcMinutesSince1601Now();
   foundNoun_.clear();
 }
 
@@ -153,7 +163,7 @@ int ListModel::positionOf(RowId id) const {
   return it == display_.end() ? -1 : int(it - display_.begin());
 }
 
-void ListModel::appendDataText(QString* out, RowId id, int dataIndex) const {
+void ListModel::appendDataText(QString* out, RowId id, int dataIndex, bool raw) const {
   ++cellsFormatted_;
   if (IsTextRow(id)) {
     const TextRowData& t = rows_.text(id);
@@ -165,11 +175,11 @@ void ListModel::appendDataText(QString* out, RowId id, int dataIndex) const {
   const RowStore::FileRow& r = rows_.file(id);
   switch (dataIndex) {
     case core::kSlotName:
-      if (r.flags & RowStore::kEscaped) AppendDisplay(out, rows_.name(r));
+      if (!raw && (r.flags & RowStore::kEscaped)) AppendDisplay(out, rows_.name(r));
       else out->append(rows_.name(r));
       break;
     case core::kSlotExt:
-      if (r.flags & RowStore::kEscaped) AppendDisplay(out, rows_.extension(r));
+      if (!raw && (r.flags & RowStore::kEscaped)) AppendDisplay(out, rows_.extension(r));
       else out->append(rows_.extension(r));
       break;
     case core::kSlotSize: out->append(core::FormatSize(double(r.size), sizeFormat_, clusterSize_)); break;
@@ -184,13 +194,20 @@ void ListModel::appendDataText(QString* out, RowId id, int dataIndex) const {
         out->append(QStringLiteral("(unknown)"));
         break;
       }
+      if (age_) {
+        core::AppendAgeText(out, ageNow_ - double(t) / double(platform::kTicksPerSecond * 60));
+        break;
+      }
       formats_->appendDate(out, local);
       out->append(u' ');
       formats_->time.appendTo(out, local);
       break;
     }
     case core::kSlotAttr: out->append(core::AttributeString(r.attributes)); break;
-    case core::kSlotPath: AppendDisplay(out, rows_.folder(r.folder)); break;
+    case core::kSlotPath:
+      if (raw) out->append(rows_.folder(r.folder));
+      else AppendDisplay(out, rows_.folder(r.folder));
+      break;
     default: break;
   }
 }

@@ -49,6 +49,9 @@ class ListModel {
   int sizeFormat() const { return sizeFormat_; }
   int dateStyle() const { return dateStyle_; }
   int timeStyle() const { return timeStyle_; }
+  // Ages instead of dates: the present is taken now and at each fill.
+  void setAge(bool on);
+  bool age() const { return age_; }
   void setClusterSize(qint64 bytes) { clusterSize_ = bytes; }
   qint64 clusterSize() const { return clusterSize_; }
   // Whether the size format applies to a column (the mode's size columns).
@@ -76,7 +79,9 @@ class ListModel {
 
   // Texts of a row by data index, made now in the present formats.
   QString dataText(RowId id, int dataIndex) const;
-  void appendDataText(QString* out, RowId id, int dataIndex) const;
+  // `raw`: names and paths keep their escaped bytes (for output that can
+  // carry them) instead of showing them as U+FFFD.
+  void appendDataText(QString* out, RowId id, int dataIndex, bool raw = false) const;
   // Text of the cell at display position and column (definition index).
   QString cellText(int position, int column) const;
   // Counts the cell texts made since the last reset (paint cost checks).
@@ -164,6 +169,8 @@ class ListModel {
   bool grouping_ = true;
   bool justFilled_ = false;
   int sizeFormat_ = 0, dateStyle_ = 0, timeStyle_ = 0;
+  bool age_ = false;
+  double ageNow_ = 0;  // minutes since 1601 UTC
   qint64 clusterSize_ = 4096;
   int focus_ = 0, top_ = 0, anchor_ = 0, pageRows_ = 1;
   int selectedCount_ = 0;

@@ -5,29 +5,41 @@
 
 namespace browser {
 
-void ListPrinter::Print(const ListModel& model, QTextStream& out, bool header) {
-  const std::vector<int> columns = model.columns().visibleInOrder();
+std::vector<int> ListPrinter::VisibleData(const ListModel& model) {
   std::vector<int> data;
-  for (int c : columns) data.push_back(model.columns().column(c).dataIndex);
+  for (int c : model.columns().visibleInOrder()) data.push_back(model.columns().column(c).dataIndex);
+  return data;
+}
+
+void ListPrinter::AppendHeader(const ListModel& model, QString* buffer) {
+  const std::vector<int> columns = model.columns().visibleInOrder();
+  for (size_t i = 0; i < columns.size(); ++i) {
+    if (i) buffer->append(u'\t');
+    core::AppendRowField(buffer, model.columns().column(columns[i]).caption);
+  }
+  buffer->append(u'\n');
+}
+
+void ListPrinter::AppendRow(const ListModel& model, RowId id, const std::vector<int>& data, QString* buffer,
+                            QString* cell) {
+  for (size_t i = 0; i < data.size(); ++i) {
+    if (i) buffer->append(u'\t');
+    cell->clear();
+    model.appendDataText(cell, id, data[i], true);
+    core::AppendRowField(buffer, *cell);
+  }
+  buffer->append(u'\n');
+}
+
+void ListPrinter::Print(const ListModel& model, QTextStream& out, bool header) {
+  const std::vector<int> data = VisibleData(model);
   constexpr qsizetype kChunk = 1 << 20;
   QString buffer;
   buffer.reserve(kChunk + 4096);
   QString cell;
-  if (header) {
-    for (size_t i = 0; i < columns.size(); ++i) {
-      if (i) buffer.append(u'\t');
-      buffer.append(model.columns().column(columns[i]).caption);
-    }
-    buffer.append(u'\n');
-  }
+  if (header) AppendHeader(model, &buffer);
   for (RowId id : model.displayArray()) {
-    for (size_t i = 0; i < data.size(); ++i) {
-      if (i) buffer.append(u'\t');
-      cell.clear();
-      model.appendDataText(&cell, id, data[i]);
-      core::AppendRowField(&buffer, cell);
-    }
-    buffer.append(u'\n');
+    AppendRow(model, id, data, &buffer, &cell);
     if (buffer.size() >= kChunk) {
       out << buffer;
       buffer.clear();

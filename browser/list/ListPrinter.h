@@ -1,5 +1,8 @@
 #pragma once
 #include <QTextStream>
+#include <vector>
+
+#include "browser/list/RowStore.h"
 
 namespace browser {
 
@@ -11,6 +14,12 @@ class ListModel;
 class ListPrinter {
  public:
   static void Print(const ListModel& model, QTextStream& out, bool header);
+  // The pieces, for output that streams rows as they come: the captions
+  // line, and one row of the given data slots with every field escaped so
+  // that an entry stays on one line. `cell` is scratch space.
+  static void AppendHeader(const ListModel& model, QString* buffer);
+  static void AppendRow(const ListModel& model, RowId id, const std::vector<int>& data, QString* buffer, QString* cell);
+  static std::vector<int> VisibleData(const ListModel& model);
 };
 
 }  // namespace browser

@@ -45,10 +45,15 @@ RowBuilder::TypeName RowBuilder::typeOf(const platform::DirEntry& entry) {
   if (entry.isDirectory()) return FromMime(db.mimeTypeForName(QStringLiteral("inode/directory")));
   const QStringView ext = ExtensionOf(entry.name);
   // These carry their own icons; each file is asked about by its own name.
-  if (AskedOneByOne(ext)) return FromMime(db.mimeTypeForFile(entry.name, QMimeDatabase::MatchExtension));
-  // By extension alone, so that every name with it shares one answer.
-  const QString probe = ext.isEmpty() ? QStringLiteral("x") : QStringLiteral("x.") + ext.toString();
-  return FromMime(db.mimeTypeForFile(probe, QMimeDatabase::MatchExtension));
+  // Otherwise by extension alone, so that every name with it shares one answer.
+  const QMimeType mime = AskedOneByOne(ext)
+                             ? db.mimeTypeForFile(entry.name, QMimeDatabase::MatchExtension)
+                             : db.mimeTypeForFile(ext.isEmpty() ? QStringLiteral("x") : QStringLiteral("x.") + ext.toString(),
+                                                  QMimeDatabase::MatchExtension);
+  TypeName t = FromMime(mime);
+  // A type the database does not know is named as the Windows shell names it.
+  if (mime.isDefault()) t.name = ext.isEmpty() ? QStringLiteral("File") : ext.toString().toUpper() + QStringLiteral(" File");
+  return t;
 }
 
 quint16 RowBuilder::typeIndex(const platform::DirEntry& entry) {

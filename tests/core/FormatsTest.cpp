@@ -1,10 +1,12 @@
 #include <QRegularExpression>
 #include <QTest>
 
+#include "core/AgeText.h"
 #include "core/AttributeText.h"
 #include "core/DateStyles.h"
 #include "core/DriveText.h"
 #include "core/NumberFormat.h"
+#include "core/RowEscape.h"
 #include "core/SizeFormat.h"
 #include "platform/FileTime.h"
 #include "platform/Volumes.h"
@@ -37,6 +39,10 @@ class FormatsTest : public QObject {
   void driveSpaceText();
   void otherLocaleSeparators();
   void ageEpoch();
+  void ageText_data();
+  void ageText();
+  void rowField_data();
+  void rowField();
 };
 
 void FormatsTest::attributeString_data() {
@@ -254,6 +260,43 @@ void FormatsTest::ageEpoch() {
   const double minutes = MinutesSince1601Now();
   const double fromFileTime = double(platform::FileTimeNow()) / platform::kTicksPerSecond / 60.0;
   QVERIFY(qAbs(minutes - fromFileTime) < 1.0);  // TZ=UTC in tests
+}
+
+void FormatsTest::ageText_data() {
+  QTest::addColumn<double>("minutes");
+  QTest::addColumn<QString>("text");
+  QTest::newRow("now") << 0.0 << "0 min";
+  QTest::newRow("just under two hours") << 119.9 << "119 min";
+  QTest::newRow("two hours") << 120.0 << "2 h";
+  QTest::newRow("47 hours") << 47 * 60.0 << "47 h";
+  QTest::newRow("one day is still hours") << 1440.0 << "24 h";
+  QTest::newRow("three days") << 3 * 1440.0 + 5 << "3 days";
+  QTest::newRow("seven months") << 7 * 43830.0 << "7 months";
+  QTest::newRow("one year is still months") << 525960.0 << "12 months";
+  QTest::newRow("two years") << 2 * 525960.0 << "2 years";
+  QTest::newRow("future") << -300.0 << "in 5 h";
+  QTest::newRow("clock skew under a minute") << -0.4 << "0 min";
+}
+
+void FormatsTest::ageText() {
+  QFETCH(double, minutes);
+  QTEST(AgeText(minutes), "text");
+}
+
+void FormatsTest::rowField_data() {
+  QTest::addColumn<QString>("text");
+  QTest::addColumn<QString>("field");
+  QTest::newRow("plain") << "a b.txt" << "a b.txt";
+  QTest::newRow("line ends and tab") << "new\nline\t.txt\r" << "new\\nline\\t.txt\\r";
+  QTest::newRow("backslash first") << "a\\n" << "a\\\\n";
+  QTest::newRow("control and delete") << QString(QChar(1)) + QChar(0x7F) << "\\x01\\x7F";
+  QTest::newRow("raw byte") << QString(QChar(0xDCFF)) + "x" << "\\xFFx";
+  QTest::newRow("valid pair kept") << QString::fromUtf8("\xF0\x9F\x98\x80") << QString::fromUtf8("\xF0\x9F\x98\x80");
+}
+
+void FormatsTest::rowField() {
+  QFETCH(QString, text);
+  QTEST(RowField(text), "field");
 }
 
 QTEST_GUILESS_MAIN(FormatsTest)

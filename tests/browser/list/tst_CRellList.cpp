@@ -114,6 +114,12 @@ class tst_CRellList : public QObject {
     QApplication::sendEvent(h, &move2);
     QTest::mouseRelease(h, Qt::LeftButton, {}, QPoint(20, 5));
     QVERIFY(list.model().columnOrder().startsWith(QStringLiteral("Ext.38,Name.140,")));
+    // A double click on Name's right divider fits Name alone to its widest cell.
+    QTest::mouseDClick(h, Qt::LeftButton, {}, QPoint(38 + 140, 5));
+    const QString order = list.model().columnOrder();
+    const int width = order.section(u',', 1, 1).section(u'.', 1).toInt();
+    QVERIFY2(width < 140 && width >= list.fontMetrics().horizontalAdvance(QStringLiteral("n00004")), qPrintable(order));
+    QVERIFY(order.startsWith(QStringLiteral("Ext.38,")));
   }
 
   void paintCostDoesNotGrowWithRows() {

@@ -107,6 +107,9 @@ class tst_ListFill : public QObject {
     QCOMPARE(m.dataText(m.rowAt(0), 3), m.dataText(m.rowAt(1), 3));
     QVERIFY(!m.dataText(m.rowAt(0), 3).isEmpty());
     QVERIFY(!m.iconKey(m.rowAt(2)).isEmpty());
+    // Types the database does not know are named after their extension.
+    QCOMPARE(builder.typeOf(listtest::Entry("a.qzx9")).name, QStringLiteral("QZX9 File"));
+    QCOMPARE(builder.typeOf(listtest::Entry("README-no-ext")).name, QStringLiteral("File"));
   }
 
   void dateCellsMatchFileTimeText_data() {
@@ -129,6 +132,9 @@ class tst_ListFill : public QObject {
                                                 core::TimeStylePattern(timeStyle), false);
     QCOMPARE(m.dataText(m.rowAt(0), 5), expected);
     QCOMPARE(m.dataText(m.rowAt(0), 4), QStringLiteral("(unknown)"));
+    m.setAge(true);
+    QVERIFY(m.dataText(m.rowAt(0), 5).endsWith(QStringLiteral(" years")));
+    QCOMPARE(m.dataText(m.rowAt(0), 4), QStringLiteral("(unknown)"));
   }
 
   void invalidUtf8NameShownButKeptForIo() {
@@ -145,6 +151,12 @@ class tst_ListFill : public QObject {
     QVERIFY(found >= 0);
     QCOMPARE(m.dataText(m.rowAt(found), 0), QStringLiteral("bad\uFFFD.txt"));
     QCOMPARE(platform::ToNative(m.path(m.rowAt(found))), native);
+    // Command-line rows carry the byte itself, escaped, one entry one line.
+    QString out;
+    QTextStream stream(&out);
+    browser::ListPrinter::Print(m, stream, false);
+    stream.flush();
+    QVERIFY2(out.contains(QStringLiteral("\nbad\\xFF.txt\ttxt\t")), qPrintable(out));
     remove(native.constData());
   }
 
