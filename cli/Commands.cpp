@@ -23,9 +23,9 @@ std::span<const Command> AllCommands() {
        "[--in FOLDER]... [--subfolders] [--named TEXT] [--exact] [--size-min N] [--size-max N] "
        "[--size-unit bytes|kb|mb] [--date-kind created|modified|accessed|created-or-modified] [--date-from TEXT] "
        "[--date-to TEXT] [--not] [--attr LETTERS] [--not-attr LETTERS] [--containing TEXT] [--case] [--hex] "
-       "[--exclude TEXT]... [--sort COLUMN[:asc|:desc]] [--no-header]",
+       "[--exclude TEXT]... [--threads N] [--sort COLUMN[:asc|:desc]] [--no-header]",
        "find files as the Find Files tab does (a group counts when one of its options is given; sizes in KB "
-       "unless --size-unit; summary on standard error)",
+       "unless --size-unit; contents read on N threads, one per core by default; summary on standard error)",
        RunFindCommand},
       {"settings", "[--defaults] [--write] [--screen WxH] [--no-header]",
        "show every setting as the settings file holds it; --write saves them all", RunSettingsCommand},

@@ -147,6 +147,7 @@ bool FindValuesFromOptions(const ArgParser& p, V* values, QStringList* lookIn, Q
 int RunFindCommand(CliContext& ctx) {
   ArgParser parser;
   AddFindOptions(&parser);
+  parser.option(QStringLiteral("threads"));
   browser::ListModel model;
   if (!PrepareListModel(ctx, core::kModeFind, &parser, &model, "find")) return kExitUsage;
   if (!parser.positional().isEmpty()) {
@@ -160,12 +161,22 @@ int RunFindCommand(CliContext& ctx) {
     ctx.err << "quorvane find: " << error << '\n';
     return kExitUsage;
   }
+  int threads = 0;
+  if (parser.isSet(QStringLiteral("threads"))) {
+    bool ok = false;
+    threads = parser.value(QStringLiteral("threads")).toInt(&ok);
+    if (!ok || threads < 1 || threads > 256) {
+      ctx.err << "quorvane find: --threads takes a number from 1 to 256\n";
+      return kExitUsage;
+    }
+  }
   find::FindCriteria criteria;
   find::CriteriaMessage message;
   if (!find::BuildCriteria(values, lookIn, {}, &criteria, &message)) {
     ctx.err << message.text << '\n';
     return kExitUsage;
   }
+  criteria.threads = threads;
   const bool sort = parser.isSet(QStringLiteral("sort"));
   const bool header = !parser.isSet(QStringLiteral("no-header"));
   CliFindSink sink(&model, ctx.out, ctx.err, !sort, header);

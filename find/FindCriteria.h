@@ -37,6 +37,9 @@ struct FindCriteria {
   bool isHex = false;
   TextSearch search;  // the text compiled in its compare mode
 
+  // Threads reading file contents: 0 one per core, 1 the walk alone.
+  int threads = 0;
+
   bool excludeOn = false;
   QStringList excludes;
 

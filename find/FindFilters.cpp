@@ -34,8 +34,7 @@ bool DatePasses(const FindCriteria& c, const platform::DirEntry& e) {
 
 }  // namespace
 
-bool PassesFilters(FindCriteria& criteria, const platform::DirEntry& entry, const QString& fullPath,
-                   const YieldHook& yield, EntryInFolder where) {
+bool PassesFiltersButText(FindCriteria& criteria, const platform::DirEntry& entry) {
   ++criteria.nameHits;
   if (criteria.sizeOn) {
     const qint32 low = qint32(quint32(entry.size & 0xFFFFFFFFu));  // files of 2 GB and more wrap
@@ -46,6 +45,12 @@ bool PassesFilters(FindCriteria& criteria, const platform::DirEntry& entry, cons
     if (entry.attributes & criteria.attrMustNot) return false;
   }
   if (criteria.dateOn && !DatePasses(criteria, entry)) return false;
+  return true;
+}
+
+bool PassesFilters(FindCriteria& criteria, const platform::DirEntry& entry, const QString& fullPath,
+                   const YieldHook& yield, EntryInFolder where) {
+  if (!PassesFiltersButText(criteria, entry)) return false;
   if (criteria.textOn && !FileContains(criteria.search, fullPath, yield, where)) return false;
   return true;
 }

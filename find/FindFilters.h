@@ -17,6 +17,9 @@ bool FolderAccepted(FindCriteria& criteria, const QString& folderPath);
 // Size (signed low 32 bits), attributes, date, then contained text on
 // `fullPath`. A walk names the entry's open folder instead, so that the file
 // opens relative to it (and passes no path).
+// The same without the contained-text test (which the caller runs apart).
+bool PassesFiltersButText(FindCriteria& criteria, const platform::DirEntry& entry);
+
 bool PassesFilters(FindCriteria& criteria, const platform::DirEntry& entry, const QString& fullPath,
                    const YieldHook& yield = {}, EntryInFolder where = {});
 

@@ -3,11 +3,13 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <deque>
 #include <memory>
 #include <vector>
 
 #include "core/JobFlags.h"
 #include "core/NumberFormat.h"
+#include "find/ContentPool.h"
 #include "find/FindFilters.h"
 #include "find/FolderPrefetcher.h"
 #include "platform/Clock.h"
@@ -25,6 +27,11 @@ bool IsDotName(const QString& name) {
 
 // Entries between two yields inside one folder.
 constexpr unsigned kYieldEvery = 256;
+// Files handed to the content workers and not yet published, at most. Each
+// may hold its folder open, so the window stays well below the fd limit.
+constexpr size_t kContentWindow = 128;
+// How long the walk waits for a worker before it yields to the window.
+constexpr int kWaitSliceMs = 20;
 
 using Reader = FolderPrefetcher::Reader;
 
@@ -33,11 +40,76 @@ class Walker {
   Walker(FindCriteria& criteria, FindSink& sink) : c_(criteria), sink_(sink) {
     for (const QString& p : criteria.patterns) patterns_.emplace_back(p);
     yieldHook_ = [this] { sink_.yield(); };
+    // File contents set the pace of a text find: read them on every core.
+    if (c_.textOn && ContentPool::WorkersFor(c_.threads) > 1)
+      pool_ = std::make_unique<ContentPool>(c_.search, ContentPool::WorkersFor(c_.threads));
   }
 
   bool aborted() const { return aborted_; }
 
   void walkLocations() {
+    walkAll();
+    publish(true, 0);
+  }
+
+ private:
+  // What the walk tells the sink, kept in the walk's order while content
+  // jobs ahead of it are still running.
+  struct Event {
+    enum Kind { kRow, kStatus } kind = kRow;
+    ContentPool::JobPtr job;  // null: the row is known already
+    platform::DirEntry entry;
+    QString folder, display;  // a row's folders, or a status text
+    int mode = 0;
+  };
+
+  void abortNow() {
+    aborted_ = true;
+    events_.clear();
+    sink_.showJobStatus(kStatusAborted, QString());
+  }
+
+  void emitRow(const platform::DirEntry& entry, const QString& folder, const QString& display) {
+    if (events_.empty()) sink_.addRow(entry, folder, display);
+    else events_.push_back({Event::kRow, nullptr, entry, folder, display, 0});
+  }
+  void emitStatus(int mode, const QString& text) {
+    if (events_.empty()) sink_.showJobStatus(mode, text);
+    else events_.push_back({Event::kStatus, nullptr, {}, text, QString(), mode});
+  }
+  void submit(ContentPool::JobPtr job, const QString& display) {
+    Event e{Event::kRow, job, {}, job->folder, display, 0};
+    events_.push_back(std::move(e));
+    pool_->submit(std::move(job));
+    publish(false, kContentWindow);
+  }
+
+  // Hands the finished head of the queue to the sink. With `wait`, waits
+  // (yielding to the window) until no more than `keep` events are left.
+  void publish(bool wait, size_t keep) {
+    while (!events_.empty()) {
+      // What the walk had not reached when Escape came is not shown, as it
+      // would not have been found.
+      if (core::JobFlags::AbortRequested()) {
+        if (!aborted_) abortNow();
+        return;
+      }
+      Event& e = events_.front();
+      if (e.job && !pool_->waitFor(*e.job, 0)) {
+        if (!wait && events_.size() <= keep) return;
+        if (!pool_->waitFor(*e.job, kWaitSliceMs)) {
+          sink_.yield();
+          continue;
+        }
+      }
+      if (e.kind == Event::kStatus) sink_.showJobStatus(e.mode, e.folder);
+      else if (!e.job) sink_.addRow(e.entry, e.folder, e.display);
+      else if (e.job->hit) sink_.addRow(e.job->entry, e.folder, e.display);
+      events_.pop_front();
+    }
+  }
+
+  void walkAll() {
     const bool everything = c_.patterns.value(0) == u"*.*";
     for (const QString& location : c_.locations) {
       if (stopNow()) return;
@@ -65,8 +137,7 @@ class Walker {
       sink_.yield();
     }
     if (!core::JobFlags::AbortRequested()) return false;
-    aborted_ = true;
-    sink_.showJobStatus(kStatusAborted, QString());
+    abortNow();
     return true;
   }
 
@@ -76,7 +147,8 @@ class Walker {
                      const QString& display) {
     sinceYield_ = 0;
     sink_.yield();
-    sink_.showJobStatus(kStatusProgress, display);
+    emitStatus(kStatusProgress, display);
+    if (pool_) publish(false, kContentWindow);
     if (prefetcher_) {
       if (Reader ahead = prefetcher_->take(folder)) return ahead;
     }
@@ -91,8 +163,19 @@ class Walker {
   }
 
   // Tests entry i against the filters and adds it as a row; false if it vanished.
-  bool testEntry(const platform::FolderReader& reader, qsizetype i, const QString& folder, const QString& display,
+  bool testEntry(const Reader& owner, const platform::FolderReader& reader, qsizetype i, const QString& folder, const QString& display,
                  platform::DirEntry* entry) {
+    if (textOnly_ && pool_ && reader.isRegularFile(i)) {
+      ++c_.nameHits;
+      auto job = std::make_shared<ContentPool::Job>();
+      job->reader = owner;
+      job->folder = folder;
+      job->index = i;
+      job->openFirst = true;
+      submit(std::move(job), display);
+      *entry = platform::DirEntry();  // a plain file: nothing to recurse into
+      return true;
+    }
     if (textOnly_ && reader.isRegularFile(i)) {
       // The text is the only test: read the plain file first and stat only
       // the hits, from the open file. Length 0 still holds nothing: a file
@@ -103,7 +186,7 @@ class Walker {
         bool hit = PassesFilters(c_, platform::DirEntry(), QString(), yieldHook_, {&reader, &folder, i, true, -1, fd});
         hit = hit && reader.statOpened(i, fd, entry) && entry->size > 0;
         close(fd);
-        if (hit) sink_.addRow(*entry, folder, display);
+        if (hit) emitRow(*entry, folder, display);
         else *entry = platform::DirEntry();  // nothing to recurse into
         return true;
       }
@@ -111,8 +194,20 @@ class Walker {
     if (!reader.stat(i, entry)) return false;
     // The file opens relative to its folder; its whole path is made only if needed.
     const bool regular = !(entry->attributes & (platform::kAttrSystem | platform::kAttrDirectory));
+    if (pool_) {
+      // The cheap filters here, the contents on a worker.
+      if (!PassesFiltersButText(c_, *entry) || !regular) return true;
+      auto job = std::make_shared<ContentPool::Job>();
+      job->reader = owner;
+      job->folder = folder;
+      job->index = i;
+      job->size = qint64(entry->size);
+      job->entry = *entry;
+      submit(std::move(job), display);
+      return true;
+    }
     if (PassesFilters(c_, *entry, QString(), yieldHook_, {&reader, &folder, i, regular, qint64(entry->size)}))
-      sink_.addRow(*entry, folder, display);
+      emitRow(*entry, folder, display);
     return true;
   }
 
@@ -136,7 +231,7 @@ class Walker {
       for (qsizetype i = 0; i < reader.count(); ++i) {
         if (stopNow()) return;
         if (IsDotName(reader.name(i)) || !nameMatches(reader, i, pattern)) continue;
-        if (!testEntry(reader, i, folder, display, &entry)) continue;
+        if (!testEntry(opened, reader, i, folder, display, &entry)) continue;
         if (c_.includeSubfolders && entry.isDirectory() && !entry.isLink) {
           QString sub, subDisplay;
           subfolder(folder, display, reader.name(i), &sub, &subDisplay);
@@ -158,7 +253,7 @@ class Walker {
       for (qsizetype i = 0; i < reader.count(); ++i) {
         if (stopNow()) return;
         if (IsDotName(reader.name(i)) || !nameMatches(reader, i, pattern)) continue;
-        testEntry(reader, i, folder, display, &entry);
+        testEntry(opened, reader, i, folder, display, &entry);
       }
     }
     for (qsizetype i = 0; i < reader.count(); ++i) {
@@ -176,6 +271,8 @@ class Walker {
   YieldHook yieldHook_;
   const bool textOnly_ = c_.textOn && !c_.sizeOn && !c_.attrOn && !c_.dateOn;
   std::unique_ptr<FolderPrefetcher> prefetcher_;
+  std::unique_ptr<ContentPool> pool_;
+  std::deque<Event> events_;
   unsigned sinceYield_ = 0;
   bool aborted_ = false;
 };

@@ -144,6 +144,46 @@ class TestFindJob : public QObject {
     for (const QString& row : r.rows) QVERIFY2(!row.endsWith(u"sub") && !row.endsWith(u"DOCS"), qPrintable(row));
   }
 
+  // Content workers publish in the walk's order: rows, statuses and counters
+  // are those of the walk alone, and Escape shows nothing found after it.
+  void threadsGiveTheSameFind_data() {
+    QTest::addColumn<bool>("textOnly");
+    QTest::addColumn<int>("threads");
+    for (bool textOnly : {true, false})
+      for (int threads : {2, 8}) QTest::addRow("%s, %d threads", textOnly ? "text only" : "with size", threads) << textOnly << threads;
+  }
+  void threadsGiveTheSameFind() {
+    QFETCH(bool, textOnly);
+    QFETCH(int, threads);
+    const QString many = dir_.path() + QStringLiteral("/threads/");
+    if (!QFileInfo::exists(many))
+      for (int i = 0; i < 400; ++i)
+        QVERIFY(testsupport::MakeFile(many + QStringLiteral("f%1/n%2.txt").arg(i % 7).arg(i),
+                                      i % 3 ? QByteArray(40000 + i, 'x') + "needle" : QByteArray("hay")));
+    auto run = [&](int n, int abortAfter) {
+      find::FindCriteria c = Criteria({QStringLiteral("*.*")}, true, {many});
+      c.textOn = true;
+      c.text = "NEEDLE";
+      find::SetTextCompare(&c, false);
+      c.search.SetText(c.text);
+      c.sizeOn = !textOnly;
+      c.threads = n;
+      Recorder r;
+      r.base = many;
+      r.abortAfter = abortAfter;
+      core::JobFlags::ClearAbort();
+      find::FindJob::Run(c, r, false);
+      r.statuses.removeLast();  // the summary holds the time
+      return std::make_tuple(r.rows, r.statuses, c.nameHits, c.foldersScanned);
+    };
+    const auto alone = run(1, -1);
+    QCOMPARE(std::get<0>(alone).size(), 266);
+    QVERIFY(run(threads, -1) == alone);
+    const auto stopped = run(threads, 5);
+    QCOMPARE(std::get<0>(stopped), std::get<0>(alone).mid(0, 5));
+    QCOMPARE(std::get<1>(stopped).last().first, int(find::kStatusAborted));
+  }
+
   // A contained-text find leaves every file's access and write times (and
   // a read-only file's mode) as they were.
   void timeStampsKeptByTextFind_data() {
