@@ -42,7 +42,7 @@ class Walker {
     yieldHook_ = [this] { sink_.yield(); };
     // File contents set the pace of a text find: read them on every core.
     if (c_.textOn && ContentPool::WorkersFor(c_.threads) > 1)
-      pool_ = std::make_unique<ContentPool>(c_.search, ContentPool::WorkersFor(c_.threads));
+      pool_ = std::make_unique<ContentPool>(c_.search, ContentPool::WorkersFor(c_.threads), kContentWindow);
   }
 
   bool aborted() const { return aborted_; }
@@ -57,7 +57,7 @@ class Walker {
   // jobs ahead of it are still running.
   struct Event {
     enum Kind { kRow, kStatus } kind = kRow;
-    ContentPool::JobPtr job;  // null: the row is known already
+    std::shared_ptr<ContentPool::Job> job;  // null: the row is known already
     platform::DirEntry entry;
     QString folder, display;  // a row's folders, or a status text
     int mode = 0;
@@ -65,7 +65,14 @@ class Walker {
 
   void abortNow() {
     aborted_ = true;
+    // The ring points into these jobs: every one must be done before they
+    // go. After the flag a job only marks itself done; none opens a file.
+    if (pool_)
+      for (const Event& e : events_)
+        while (e.job && !ContentPool::Done(*e.job))
+          if (!pool_->helpOne()) pool_->waitAny(1);
     events_.clear();
+    pending_ = 0;
     sink_.showJobStatus(kStatusAborted, QString());
   }
 
@@ -77,11 +84,14 @@ class Walker {
     if (events_.empty()) sink_.showJobStatus(mode, text);
     else events_.push_back({Event::kStatus, nullptr, {}, text, QString(), mode});
   }
-  void submit(ContentPool::JobPtr job, const QString& display) {
-    Event e{Event::kRow, job, {}, job->folder, display, 0};
-    events_.push_back(std::move(e));
-    pool_->submit(std::move(job));
-    publish(false, kContentWindow);
+  void submit(std::shared_ptr<ContentPool::Job> job, const QString& display) {
+    // Room in the ring first: it holds only jobs not yet published.
+    if (pending_ >= kContentWindow) publish(true, kContentWindow - 1);
+    ContentPool::Job* raw = job.get();
+    events_.push_back({Event::kRow, std::move(job), {}, raw->folder, display, 0});
+    ++pending_;
+    pool_->submit(raw);
+    publish(false, 0);
   }
 
   // Hands the finished head of the queue to the sink. With `wait`, waits
@@ -95,13 +105,14 @@ class Walker {
         return;
       }
       Event& e = events_.front();
-      if (e.job && !pool_->waitFor(*e.job, 0)) {
-        if (!wait && events_.size() <= keep) return;
-        if (!pool_->waitFor(*e.job, kWaitSliceMs)) {
-          sink_.yield();
-          continue;
-        }
+      if (e.job && !ContentPool::Done(*e.job)) {
+        if (!wait || pending_ <= keep) return;
+        // Work on what nobody has taken rather than wait.
+        if (!pool_->helpOne()) pool_->waitAny(kWaitSliceMs);
+        sink_.yield();
+        continue;
       }
+      if (e.job) --pending_;
       if (e.kind == Event::kStatus) sink_.showJobStatus(e.mode, e.folder);
       else if (!e.job) sink_.addRow(e.entry, e.folder, e.display);
       else if (e.job->hit) sink_.addRow(e.job->entry, e.folder, e.display);
@@ -165,7 +176,7 @@ class Walker {
   // Tests entry i against the filters and adds it as a row; false if it vanished.
   bool testEntry(const Reader& owner, const platform::FolderReader& reader, qsizetype i, const QString& folder, const QString& display,
                  platform::DirEntry* entry) {
-    if (textOnly_ && pool_ && reader.isRegularFile(i)) {
+    if (textOnly_ && pool_ && !reader.isVfat() && reader.isRegularFile(i)) {
       ++c_.nameHits;
       auto job = std::make_shared<ContentPool::Job>();
       job->reader = owner;
@@ -271,8 +282,9 @@ class Walker {
   YieldHook yieldHook_;
   const bool textOnly_ = c_.textOn && !c_.sizeOn && !c_.attrOn && !c_.dateOn;
   std::unique_ptr<FolderPrefetcher> prefetcher_;
-  std::unique_ptr<ContentPool> pool_;
   std::deque<Event> events_;
+  size_t pending_ = 0;  // content jobs among the events
+  std::unique_ptr<ContentPool> pool_;  // after the jobs: it goes (and joins) first
   unsigned sinceYield_ = 0;
   bool aborted_ = false;
 };

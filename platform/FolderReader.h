@@ -29,6 +29,8 @@ class FolderReader {
   // A plain file, as far as the folder listing tells without a stat (false
   // where it does not tell, and for links).
   bool isRegularFile(qsizetype i) const;
+  // A FAT folder: its attributes come through the folder's own descriptor.
+  bool isVfat() const { return vfat_; }
   // Fills `out` with the entry's data; false if it vanished meanwhile.
   bool stat(qsizetype i, DirEntry* out) const;
   // Opens entry i relative to the folder (open(2) flags); -1 on failure.
