@@ -9,7 +9,15 @@
 
 namespace platform {
 
-bool UseOwnFileTable() { return unshare(CLONE_FILES) == 0; }
+bool UseOwnFileTable() {
+#if defined(__SANITIZE_THREAD__)
+  // The thread sanitizer knows one descriptor table per process and would
+  // take the same number in two tables for one file: share it there.
+  return false;
+#else
+  return unshare(CLONE_FILES) == 0;
+#endif
+}
 
 FolderHandle::~FolderHandle() {
   if (fd_ >= 0) close(fd_);
