@@ -8,11 +8,12 @@
 namespace cli {
 
 int RunSettingsCommand(CliContext& ctx);
+int RunViewCommand(CliContext& ctx);
 
 // Each command lives in its own file and is listed here.
 
 std::span<const Command> AllCommands() {
-  static const std::array<Command, 4> commands = {{
+  static const std::array<Command, 5> commands = {{
       {"list",
        "[--size-format 0..8] [--date-style 0..3] [--time-style 0..3] [--sort COLUMN[:asc|:desc]] [--no-group] "
        "[--no-header] FOLDER",
@@ -27,6 +28,10 @@ std::span<const Command> AllCommands() {
        "find files as the Find Files tab does (a group counts when one of its options is given; sizes in KB "
        "unless --size-unit; contents read on N threads, one per core by default; summary on standard error)",
        RunFindCommand},
+      {"view", "[--hex] [--extract] [--international] [--lines FROM:TO] FILE",
+       "a file as the File View tab shows it: text lines, or a hex dump (--hex for text files), or the text runs "
+       "of a binary file (--extract); the status texts on standard error",
+       RunViewCommand},
       {"settings", "[--defaults] [--write] [--screen WxH] [--no-header]",
        "show every setting as the settings file holds it; --write saves them all", RunSettingsCommand},
   }};

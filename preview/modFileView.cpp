@@ -1,0 +1,167 @@
+#include "preview/modFileView.h"
+
+#include <QFile>
+#include <QStringDecoder>
+#include <array>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "platform/NativePath.h"
+#include "platform/SafeRename.h"
+
+namespace preview {
+
+namespace {
+
+// Opens a regular file for reading; -1 with `error` set otherwise.
+int OpenRegular(const QString& path, qint64* length, QString* error) {
+  const int fd = open(platform::ToNative(path).constData(), O_RDONLY | O_CLOEXEC | O_NONBLOCK | O_NOCTTY);
+  if (fd < 0) {
+    if (error) *error = platform::ErrorText(errno);
+    return -1;
+  }
+  struct stat st {};
+  if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+    if (error) *error = S_ISDIR(st.st_mode) ? platform::ErrorText(EISDIR) : QStringLiteral("Not a regular file");
+    close(fd);
+    return -1;
+  }
+  if (length) *length = st.st_size;
+  return fd;
+}
+
+qsizetype ReadAt(int fd, char* buffer, qsizetype size, qint64 offset) {
+  qsizetype done = 0;
+  while (done < size) {
+    const ssize_t r = pread(fd, buffer + done, size_t(size - done), off_t(offset + done));
+    if (r < 0 && errno == EINTR) continue;
+    if (r <= 0) break;
+    done += r;
+  }
+  return done;
+}
+
+// Windows-1252's characters for 128-159; the rest of 160-255 is Latin-1.
+constexpr std::array<char16_t, 32> kCp1252High = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+QChar Cp1252(unsigned char b) {
+  if (b >= 0x80 && b < 0xA0) return QChar(kCp1252High[b - 0x80]);
+  return QChar(char16_t(b));
+}
+
+constexpr char kHexUpper[] = "0123456789ABCDEF";
+constexpr char kHexLower[] = "0123456789abcdef";
+
+}  // namespace
+
+FileKind ClassifyFile(const QString& path, qint64* length, QString* error) {
+  qint64 size = 0;
+  const int fd = OpenRegular(path, &size, error);
+  if (length) *length = fd < 0 ? 0 : size;
+  if (fd < 0) return kKindUnreadable;
+  const qsizetype sample = qsizetype(std::min<qint64>(size, 1024));
+  char buffer[1024];
+  const qsizetype got = sample ? ReadAt(fd, buffer, sample, 0) : 0;
+  close(fd);
+  // A file that shrank since its length was taken shows what is left.
+  if (got == 0) return kKindEmpty;
+  return std::memchr(buffer, 0, size_t(got)) ? kKindBinary : kKindText;
+}
+
+ViewMode ChooseView(FileKind kind, bool hexForText, bool extractForBinary) {
+  switch (kind) {
+    case kKindText: return hexForText ? kViewHex : kViewText;
+    case kKindBinary: return extractForBinary ? kViewExtract : kViewHex;
+    default: return kViewNone;
+  }
+}
+
+LineEnd DetectLineEnd(qint64 crlf, qint64 lf, qint64 cr) {
+  if (crlf == 0) return lf ? kLineEndUnix : cr ? kLineEndMac : kLineEndDos;
+  if (lf && lf < crlf) return kLineEndUnix;
+  if (cr && cr < crlf) return kLineEndMac;
+  return kLineEndDos;
+}
+
+int HexOffsetDigits(qint64 length) {
+  int digits = 8;
+  const quint64 last = length > 0 ? quint64(length - 1) : 0;
+  while (digits < 16 && (last >> (4 * digits)) != 0) ++digits;
+  return digits;
+}
+
+QString HexHeaderLine(int offsetDigits) {
+  return QString(offsetDigits + 3, u' ') + QStringLiteral("0  1  2  3  4  5  6  7  8  9  a  b  c  d  e  f   0123456789abcdef");
+}
+
+QString FormatHexLine(const unsigned char* bytes, int count, qint64 offset, int offsetDigits) {
+  QString line(offsetDigits + 68, u' ');
+  QChar* out = line.data();
+  for (int d = offsetDigits - 1, i = 0; d >= 0; --d, ++i) out[i] = QLatin1Char(kHexLower[(quint64(offset) >> (4 * d)) & 0xF]);
+  const int base = offsetDigits;  // ":" then byte i at base + 2 + 3i
+  out[base] = u':';
+  for (int i = 0; i < count && i < 16; ++i) {
+    out[base + 2 + 3 * i] = QLatin1Char(kHexUpper[bytes[i] >> 4]);
+    out[base + 3 + 3 * i] = QLatin1Char(kHexUpper[bytes[i] & 0xF]);
+    out[base + 52 + i] = bytes[i] < 32 ? QChar(u'.') : Cp1252(bytes[i]);
+  }
+  out[base + 50] = u';';
+  return line;
+}
+
+bool IsTextByte(unsigned char b, bool international) {
+  if (b >= 32 && b <= 126) return b != 94 && b != 96;
+  return international && b >= 191 && b <= 253;
+}
+
+bool ScanTextRuns(const QString& path, bool international, std::vector<TextRun>* runs,
+                  const std::function<bool(qint64, qint64)>& progress) {
+  qint64 length = 0;
+  const int fd = OpenRegular(path, &length, nullptr);
+  if (fd < 0) return false;
+  std::array<bool, 256> text{};
+  for (int b = 0; b < 256; ++b) text[size_t(b)] = IsTextByte(uchar(b), international);
+  constexpr qsizetype kBlock = 2048;
+  constexpr qsizetype kChunk = 512 * kBlock;  // read many blocks at once, walk them one by one
+  std::vector<unsigned char> buffer(static_cast<size_t>(kChunk));
+  qint64 runStart = -1;
+  const qint64 blocks = (length + kBlock - 1) / kBlock;
+  for (qint64 first = 0; first < blocks;) {
+    if (progress && !progress(first * kBlock, length)) break;
+    const qint64 count = std::min<qint64>(blocks - first, kChunk / kBlock);
+    const qint64 start = first * kBlock;
+    const qsizetype want = qsizetype(count * kBlock);
+    const qsizetype got = ReadAt(fd, reinterpret_cast<char*>(buffer.data()), want, start);
+    // Beyond the end (or what a shrinking file no longer has) reads as zero.
+    std::memset(buffer.data() + got, 0, size_t(want - got));
+    for (qsizetype i = 0; i < want; ++i) {
+      if (text[buffer[size_t(i)]]) {
+        if (runStart < 0) runStart = start + i;
+      } else if (runStart >= 0) {
+        const qint64 n = start + i - runStart;
+        if (n >= 5) runs->push_back({runStart, qint32(std::min<qint64>(n, 0x7FFFFFFF))});
+        runStart = -1;
+      }
+    }
+    first += count;
+    if (got < want && start + got < length) break;  // the file shrank: nothing more to read
+  }
+  close(fd);
+  return true;
+}
+
+QString DecodeBytes(const char* bytes, qsizetype size, bool utf8) {
+  if (utf8) return QString::fromUtf8(bytes, size);
+  QString out(size, Qt::Uninitialized);
+  QChar* o = out.data();
+  for (qsizetype i = 0; i < size; ++i) o[i] = Cp1252(uchar(bytes[i]));
+  return out;
+}
+
+}  // namespace preview
