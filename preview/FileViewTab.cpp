@@ -62,6 +62,7 @@ FileViewTab::FileViewTab(core::AppSettings::FileView* settings, QWidget* parent)
   chkInter = check("chkInter", QStringLiteral("International"), settings_->inter);
   lblViewStatus = new QLabel(this);
   lblViewStatus->setObjectName(QStringLiteral("lblViewStatus"));
+  lblViewStatus->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);  // never widens the window
   picFileView = new FileViewArea(this);
   picFileView->setContextMenuPolicy(Qt::CustomContextMenu);
   scrollViewX = new QScrollBar(Qt::Horizontal, this);
