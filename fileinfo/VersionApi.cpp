@@ -49,6 +49,10 @@ QString VerLanguageName(quint32 langId) {
   UErrorCode status = U_ZERO_ERROR;
   const int32_t n = uloc_getLocaleForLCID(langId, locale, sizeof locale - 1, &status);
   if (U_FAILURE(status) || n <= 0 || status == U_USING_DEFAULT_WARNING) return QString();
+  char language[ULOC_LANG_CAPACITY] = {};
+  status = U_ZERO_ERROR;
+  uloc_getLanguage(locale, language, sizeof language - 1, &status);
+  if (U_FAILURE(status) || language[0] == 0 || qstrcmp(language, "und") == 0) return QString();  // no language known
   UChar name[128] = {};
   status = U_ZERO_ERROR;
   const QByteArray display = QLocale().name().toLatin1();
