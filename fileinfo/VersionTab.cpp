@@ -26,7 +26,6 @@ VersionTab::VersionTab(QWidget* parent) : QWidget(parent) {
     lblValue[i] = new QLabel;
     lblValue[i]->setObjectName(QStringLiteral("lblValue%1").arg(number));
     lblValue[i]->setMinimumWidth(120);
-    lblValue[i]->setToolTip(tr("Double-click to copy"));
     lblValue[i]->installEventFilter(this);
     grid->addWidget(lblCaption[i], 1 + i, 0);
     grid->addWidget(lblValue[i], 1 + i, 1);
@@ -49,7 +48,7 @@ VersionTab::VersionTab(QWidget* parent) : QWidget(parent) {
       if (!file_.isEmpty()) Q_EMIT CopyRequested(i);
     });
   }
-  grid->setColumnStretch(1, 1);
+  grid->setColumnStretch(1, 2);  // long flag texts need the room
   grid->setColumnStretch(2, 1);
   grid->setColumnStretch(3, 1);
 
@@ -99,7 +98,10 @@ void VersionTab::Clear() {
   lstInfo->clear();
   txtInfoVal->clear();
   filling_ = false;
-  for (QLabel* label : lblValue) label->clear();
+  for (QLabel* label : lblValue) {
+    label->clear();
+    label->setToolTip(QString());
+  }
   display_ = VersionDisplay();
   file_.clear();
   lblSelFile->clear();
@@ -116,7 +118,10 @@ void VersionTab::ShowDisplay(const VersionDisplay& display, const QString& path,
   txtInfoVal->clear();
   display_ = display;
   file_ = path;
-  for (int i = 0; i < VersionDisplay::kLabelCount; ++i) lblValue[i]->setText(display.labels[i]);
+  for (int i = 0; i < VersionDisplay::kLabelCount; ++i) {
+    lblValue[i]->setText(display.labels[i]);
+    lblValue[i]->setToolTip(display.labels[i]);  // the whole text where the label cuts it
+  }
   const QString name = QFileInfo(path).fileName();
   if (!display.hasInfo) {
     SetListGreyed(true);
