@@ -54,6 +54,7 @@ VersionTab::VersionTab(QWidget* parent) : QWidget(parent) {
 
   // A pick by mouse or key is remembered; the selection made while filling is not.
   connect(lstInfo, &QListWidget::currentRowChanged, this, [this] { lstInfo_Click(); });
+  connect(lstInfo, &QListWidget::itemClicked, this, [this] { lstInfo_Click(); });  // also the item already current
   connect(lstInfo, &QListWidget::itemDoubleClicked, this, [this](QListWidgetItem* item) {
     CopyText(item->text() + QStringLiteral(": ") + display_.values.value(item->data(Qt::UserRole).toInt()));
   });

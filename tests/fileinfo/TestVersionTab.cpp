@@ -10,6 +10,7 @@
 #include "browser/CTabCtrl.h"
 #include "browser/frmMain.h"
 #include "browser/list/CRellList.h"
+#include "fileinfo/VersionTab.h"
 #include "tests/TestSupport.h"
 
 using browser::frmMain;
@@ -87,6 +88,12 @@ class TestVersionTab : public QObject {
     QTRY_COMPARE(caption->text(), QStringLiteral("a.dll [ver 1.02.03.04]"));
     QCOMPARE(list->currentItem()->text(), QStringLiteral("Product Name"));
     QCOMPARE(value->text(), QStringLiteral("Alpha"));
+
+    // A click on the item selected for the user still counts as a pick.
+    Select(w, "b.dll");
+    QTRY_COMPARE(caption->text(), QStringLiteral("b.dll [ver 1.02.03.04]"));
+    QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, list->visualItemRect(list->item(0)).center());
+    QCOMPARE(w.findChild<fileinfo::VersionTab*>("pageVersion")->rememberedName(), QStringLiteral("Language"));
   }
 };
 
