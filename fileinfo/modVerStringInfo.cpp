@@ -165,8 +165,9 @@ bool ReadTranslations(int* count) {
     n = int(std::nearbyint(double(data.size()) / 4.0));  // halves to the even neighbour
     data.resize(qsizetype(n) * 4, '\0');
     for (int i = 0; i < n; ++i) {
-      const quint16 lang = qFromLittleEndian<quint16>(data.constData() + 4 * i);
-      const quint16 page = qFromLittleEndian<quint16>(data.constData() + 4 * i + 2);
+      auto word = [&data](qsizetype at) { return quint16(uchar(data.at(at)) | uchar(data.at(at + 1)) << 8); };
+      const quint16 lang = word(4 * i);
+      const quint16 page = word(4 * i + 2);
       s.langIds.append(lang);
       s.codePages.append(page);
       s.tablePaths.append(QStringLiteral("\\StringFileInfo\\") + Hex4(lang) + Hex4(page) + u'\\');
