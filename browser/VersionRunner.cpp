@@ -4,6 +4,7 @@
 #include <QClipboard>
 #include <QFileInfo>
 #include <QLocale>
+#include <QScrollArea>
 
 #include "browser/CTabCtrl.h"
 #include "browser/StatusLine.h"
@@ -16,7 +17,13 @@
 namespace browser {
 
 VersionRunner::VersionRunner(frmMain* window) : QObject(window), window_(window), tab_(new fileinfo::VersionTab) {
-  window->tabs()->SetPage(CTabCtrl::kTabVersion, tab_);
+  // A low panel scrolls the page rather than grow to fit it.
+  auto* scroll = new QScrollArea;
+  scroll->setObjectName(QStringLiteral("scrVersion"));
+  scroll->setWidgetResizable(true);
+  scroll->setFrameShape(QFrame::NoFrame);
+  scroll->setWidget(tab_);
+  window->tabs()->SetPage(CTabCtrl::kTabVersion, scroll);
   modVerStringInfo::SetErrorReport([window](const QString& tag, const QString& message) {
     window->statusLine()->ShowStatus(tag + QStringLiteral(": ") + message);
   });
