@@ -24,6 +24,7 @@
 #include "browser/StatusLine.h"
 #include "browser/FileViewRunner.h"
 #include "browser/FindRunner.h"
+#include "browser/VersionRunner.h"
 #include "browser/UiYield.h"
 #include "browser/list/CRellList.h"
 #include "core/DateStyles.h"
@@ -124,6 +125,7 @@ void frmMain::BuildUi() {
   connect(list_, &CRellList::StatusDisks, status_, [this](const QString& text, int) { status_->ShowStatus(text); });
   finder_ = new FindRunner(this);
   new FileViewRunner(this);
+  new VersionRunner(this);
 
   // Escape must reach the main window before any control (the window previews keys).
   qApp->installEventFilter(this);

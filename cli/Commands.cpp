@@ -1,6 +1,5 @@
 #include "cli/Commands.h"
 
-#include <array>
 
 #include "cli/FindCommand.h"
 #include "cli/ListCommand.h"
@@ -9,11 +8,12 @@ namespace cli {
 
 int RunSettingsCommand(CliContext& ctx);
 int RunViewCommand(CliContext& ctx);
+int RunVersionCommand(CliContext& ctx);
 
 // Each command lives in its own file and is listed here.
 
 std::span<const Command> AllCommands() {
-  static const std::array<Command, 5> commands = {{
+  static const Command commands[] = {
       {"list",
        "[--size-format 0..8] [--date-style 0..3] [--time-style 0..3] [--sort COLUMN[:asc|:desc]] [--no-group] "
        "[--no-header] FOLDER",
@@ -34,7 +34,10 @@ std::span<const Command> AllCommands() {
        RunViewCommand},
       {"settings", "[--defaults] [--write] [--screen WxH] [--no-header]",
        "show every setting as the settings file holds it; --write saves them all", RunSettingsCommand},
-  }};
+      {"version", "[--fixed-text|--string-text] FILE...",
+       "the version information of Windows executables, libraries, drivers and fonts as the Version tab shows it",
+       RunVersionCommand},
+  };
   return commands;
 }
 

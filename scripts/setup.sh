@@ -10,8 +10,10 @@ packages=(
   libgl-dev
   fonts-dejavu-core adwaita-icon-theme
   xvfb xauth
+  binutils-mingw-w64 gcc-mingw-w64
 )
 bench_packages=(libbenchmark-dev hyperfine fd-find ripgrep bfs findutils grep)
+bench_packages+=(libimage-exiftool-perl)
 fuzz_packages=(clang libclang-rt-14-dev)
 
 for arg in "$@"; do
