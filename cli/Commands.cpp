@@ -8,11 +8,12 @@
 namespace cli {
 
 int RunSettingsCommand(CliContext& ctx);
+int RunMediaCommand(CliContext& ctx);
 
 // Each command lives in its own file and is listed here.
 
 std::span<const Command> AllCommands() {
-  static const std::array<Command, 4> commands = {{
+  static const std::array<Command, 5> commands = {{
       {"list",
        "[--size-format 0..8] [--date-style 0..3] [--time-style 0..3] [--sort COLUMN[:asc|:desc]] [--no-group] "
        "[--no-header] FOLDER",
@@ -29,6 +30,10 @@ std::span<const Command> AllCommands() {
        RunFindCommand},
       {"settings", "[--defaults] [--write] [--screen WxH] [--no-header]",
        "show every setting as the settings file holds it; --write saves them all", RunSettingsCommand},
+      {"media", "[--play] [--from FRACTION] [--windows-dir FOLDER] FILE",
+       "the format and length of a sound, MIDI or video file; --play plays it to the end (position on standard "
+       "error)",
+       RunMediaCommand},
   }};
   return commands;
 }
