@@ -23,6 +23,7 @@
 #include "browser/MainMenus.h"
 #include "browser/StatusLine.h"
 #include "browser/FindRunner.h"
+#include "browser/MediaRunner.h"
 #include "browser/UiYield.h"
 #include "browser/list/CRellList.h"
 #include "core/DateStyles.h"
@@ -122,6 +123,7 @@ void frmMain::BuildUi() {
   connect(list_, &CRellList::StatusObjects, status_, [this](const QString& text, int) { status_->ShowStatus(text); });
   connect(list_, &CRellList::StatusDisks, status_, [this](const QString& text, int) { status_->ShowStatus(text); });
   finder_ = new FindRunner(this);
+  new MediaRunner(this);
 
   // Escape must reach the main window before any control (the window previews keys).
   qApp->installEventFilter(this);
