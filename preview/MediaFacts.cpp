@@ -63,9 +63,12 @@ MediaFacts ReadWave(const QByteArray& b, qint64 fileSize) {
       haveFmt = true;
     } else if (Tag(b, at, "data")) {
       if (!haveFmt || f.channels == 0 || f.samplesPerSec <= 0) return f;
+      // A byte rate of 0 is repaired from the frame size when that is known.
+      if (byteRate == 0) byteRate = quint32(qint64(f.samplesPerSec) * f.channels * f.bitsPerSample / 8);
+      if (byteRate == 0) return f;
       const qint64 available = std::max<qint64>(0, fileSize - body);
       const qint64 bytes = std::min<qint64>(size, available);
-      f.lengthMs = byteRate ? std::floor(double(bytes) * 1000.0 / byteRate) : -1;
+      f.lengthMs = std::floor(double(bytes) * 1000.0 / byteRate);
       f.valid = true;
       return f;
     }

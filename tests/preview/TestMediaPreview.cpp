@@ -214,6 +214,11 @@ class TestMediaPreview : public QObject {
     QTest::newRow("truncated in the header") << wave.left(30) << false << false << "";
     QTest::newRow("truncated in the data") << wave.left(44 + 17640) << false << true << "pcm 44100 16 2 100";
     QTest::newRow("zero length") << QByteArray() << false << false << "";
+    QByteArray noRate = Wave(100, 8000, 8, 1);
+    noRate.replace(28, 4, QByteArray(4, '\0'));
+    QTest::newRow("byte rate 0 repaired") << noRate << false << true << "pcm 8000 8 1 100";
+    noRate.replace(34, 2, QByteArray(2, '\0'));
+    QTest::newRow("byte rate 0, no bits") << noRate << false << false << "";
     QByteArray aiff("FORM");
     PutBe(&aiff, 46, 4);
     aiff += "AIFFCOMM";
