@@ -217,7 +217,7 @@ int MciDevice::close() {
   return kMciOk;
 }
 
-double MciDevice::length() const {
+double MciDevice::length() {
   if (kind_ == Kind::Wave && facts_.lengthMs >= 0) return facts_.lengthMs;
   if (kind_ == Kind::Cd) {
     double total = 0;
@@ -226,15 +226,18 @@ double MciDevice::length() const {
   }
   const qint64 d = player_ ? player_->duration() : 0;
   if (d > 0) return double(d);
+  // Compressed streams learn their length while they start; ask the file.
+  if (facts_.lengthMs <= 0 && kind_ == Kind::Stream) discover();
   return facts_.lengthMs > 0 ? facts_.lengthMs : 0;
 }
 
-double MciDevice::position() const {
+double MciDevice::position() {
   if (ended_) return length();
   double p = double(player_->position());
   if (kind_ == Kind::Cd)
     for (int t = 1; t < cdTrack_ && t <= cdTracks_.size(); ++t) p += cdTracks_[t - 1];
-  return std::min(p, length());
+  const double end = length();
+  return end > 0 ? std::min(p, end) : p;
 }
 
 int MciDevice::play(const MciCommand& c) {

@@ -50,8 +50,8 @@ class MciDevice : public QObject, public MciInterface {
   int put(const MciCommand& c);
   int where(const MciCommand& c, QString* reply);
   int load(const QString& uri);
-  double length() const;
-  double position() const;
+  double length();
+  double position();
   void discover();
 
   QMediaPlayer* player_ = nullptr;
