@@ -304,7 +304,9 @@ int MciDevice::status(const MciCommand& c, QString* reply) {
   }
   if (item == u"start position") return number(0);
   if (item == u"mode") {
-    if (ended_) *reply = QStringLiteral("stopped");
+    // At the end it has stopped, even before the framework says so.
+    const double end = length();
+    if (ended_ || (end > 0 && double(player_->position()) >= end)) *reply = QStringLiteral("stopped");
     else if (player_->playbackState() == QMediaPlayer::PlayingState) *reply = QStringLiteral("playing");
     else *reply = QStringLiteral("stopped");
     return kMciOk;
