@@ -10,6 +10,9 @@ namespace browser {
 MediaRunner::MediaRunner(frmMain* window)
     : QObject(window), window_(window), controller_(new preview::MediaController(this)) {
   window->tabs()->SetPage(CTabCtrl::kTabPreview, controller_->pane());
+  // The Windows folder whose "Win.ini"/"System.ini" map extensions to devices
+  // (a compatibility layer's prefix, say); without one the stock table serves.
+  controller_->session().setWindowsFolder(qEnvironmentVariable("QUORVANE_WINDOWS_DIR"));
   connect(window, &frmMain::InfoRefresh, this, &MediaRunner::refresh);
   connect(window->tabs(), &CTabCtrl::TabSelected, this, [this](int tab) { refresh(file_, tab); });
 }

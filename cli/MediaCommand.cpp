@@ -60,7 +60,8 @@ int RunMediaCommand(CliContext& ctx) {
   QVideoSink sink;
   device.SetVideoWindow(QStringLiteral("1"), &sink, nullptr);
   modMCIsnd::MediaSession session(&device);
-  session.setWindowsFolder(args.value(QStringLiteral("windows-dir")));
+  session.setWindowsFolder(args.isSet(QStringLiteral("windows-dir")) ? args.value(QStringLiteral("windows-dir"))
+                                                                     : qEnvironmentVariable("QUORVANE_WINDOWS_DIR"));
   modMCIsnd::MediaHost host;
   host.visible = [] { return true; };
   host.windowHandle = [] { return QStringLiteral("1"); };
