@@ -1,8 +1,10 @@
 #pragma once
 #include <QObject>
+#include <QPointer>
 #include <QRect>
 #include <QString>
 #include <QVector>
+#include <QVideoSink>
 #include <functional>
 
 #include "preview/MciCommand.h"
@@ -11,7 +13,6 @@
 
 class QAudioOutput;
 class QMediaPlayer;
-class QVideoSink;
 
 namespace preview {
 
@@ -57,7 +58,7 @@ class MciDevice : public QObject, public MciInterface {
   QMediaPlayer* player_ = nullptr;
   QAudioOutput* audio_ = nullptr;
   QString handle_;
-  QVideoSink* sink_ = nullptr;
+  QPointer<QVideoSink> sink_;
   std::function<void(const QRect&)> placed_;
   int loadTimeoutMs_ = 10000;
 

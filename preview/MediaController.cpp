@@ -17,23 +17,24 @@ MediaController::MediaController(QObject* parent)
   tmrSound_->setInterval(50);
   connect(tmrSound_, &QTimer::timeout, this, &MediaController::tick);
 
-  VideoArea* video = pane_->picVideo;
-  device_->SetVideoWindow(video->handle(), video->sink(), [video](const QRect& r) { video->place(r); });
+  QPointer<VideoArea> video = pane_->picVideo;
   modMCIsnd::MediaHost host;
-  host.visible = [video] { return video->isVisible(); };
-  host.windowHandle = [video] { return video->handle(); };
-  host.size = [video] { return video->size(); };
+  host.visible = [video] { return video && video->isVisible(); };
+  host.windowHandle = [video] { return video ? video->handle() : QString(); };
+  host.size = [video] { return video ? video->size() : QSize(); };
   host.busy = [video](bool on) {
+    if (!video) return;
     if (on) video->setCursor(Qt::WaitCursor);
     else video->unsetCursor();
   };
   host.videoClosed = [video] {
+    if (!video) return;
     video->clear();
     video->window()->activateWindow();
   };
   session_->setHost(host);
   session_->setErrorBox([this](const QString& title, const QString& text) {
-    QMessageBox::critical(pane_, title, text);
+    QMessageBox::critical(pane_.data(), title, text);
   });
   setStatusHandler(nullptr);
 
@@ -48,17 +49,28 @@ MediaController::~MediaController() {
   tmrSound_->stop();
   session_->StopMedia(false);
   // The pane belongs to whoever shows it; unshown, it is ours.
-  if (!pane_->parent()) delete pane_;
+  if (pane_ && !pane_->parent()) delete pane_.data();
 }
 
 void MediaController::setStatusHandler(std::function<void(int)> status) {
-  if (!status) status = [this](int code) { pane_->showStatus(code); };
+  if (!status) status = [this](int code) {
+      if (pane_) pane_->showStatus(code);
+    };
   session_->setStatusHandler(std::move(status));
 }
 
 bool MediaController::Preview(const QString& file) {
   Stop();
+  if (!pane_) return false;
   pane_->reset();
+  if (!videoWired_) {
+    // The media framework starts here, not with the window.
+    QPointer<VideoArea> video = pane_->picVideo;
+    device_->SetVideoWindow(video->handle(), video->sink(), [video](const QRect& r) {
+      if (video) video->place(r);
+    });
+    videoWired_ = true;
+  }
   if (!session_->PreviewMedia(file)) return false;
   if (session_->mediaClass() == modMCIsnd::kNoMedia) return true;
   pane_->lblFormat->setText(session_->FormatLabel());
@@ -78,6 +90,10 @@ void MediaController::Stop() {
 }
 
 void MediaController::tick() {
+  if (!pane_) {
+    Stop();
+    return;
+  }
   const modMCIsnd::Progress p = session_->Tick();
   if (p.fill) pane_->picProg->setFraction(p.fraction);
   pane_->lblWav->setText(p.label);

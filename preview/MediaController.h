@@ -1,9 +1,11 @@
 #pragma once
 #include <QObject>
+#include <QPointer>
 #include <QString>
 #include <functional>
 #include <memory>
 
+#include "preview/MediaPane.h"
 #include "preview/modMCIsnd.h"
 
 class QTimer;
@@ -12,7 +14,6 @@ class QWidget;
 namespace preview {
 
 class MciDevice;
-class MediaPane;
 
 // Plays the selected media file in a MediaPane: opens it through the media
 // session, shows the format and length, runs the progress timer `tmrSound`
@@ -41,8 +42,10 @@ class MediaController : public QObject {
 
   MciDevice* device_;
   std::unique_ptr<modMCIsnd::MediaSession> session_;
-  MediaPane* pane_;
+  // The tab that shows the pane owns it and may delete it first.
+  QPointer<MediaPane> pane_;
   QTimer* tmrSound_;
+  bool videoWired_ = false;
 };
 
 }  // namespace preview

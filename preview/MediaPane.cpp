@@ -11,11 +11,18 @@
 
 namespace preview {
 
-VideoArea::VideoArea(QWidget* parent) : QWidget(parent), sink_(new QVideoSink(this)) {
+VideoArea::VideoArea(QWidget* parent) : QWidget(parent) {
   setObjectName(QStringLiteral("picVideo"));
   setMinimumSize(80, 60);
   setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
-  connect(sink_, &QVideoSink::videoFrameChanged, this, &VideoArea::frameArrived);
+}
+
+QVideoSink* VideoArea::sink() {
+  if (!sink_) {
+    sink_ = new QVideoSink(this);
+    connect(sink_, &QVideoSink::videoFrameChanged, this, &VideoArea::frameArrived);
+  }
+  return sink_;
 }
 
 QString VideoArea::handle() const { return QString::number(reinterpret_cast<quintptr>(this)); }

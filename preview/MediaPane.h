@@ -17,7 +17,8 @@ class VideoArea : public QWidget {
   Q_OBJECT
  public:
   explicit VideoArea(QWidget* parent = nullptr);
-  QVideoSink* sink() const { return sink_; }
+  // Made on first use: the media framework starts with it.
+  QVideoSink* sink();
   QString handle() const;
   void place(const QRect& rect);
   void clear();
@@ -29,7 +30,7 @@ class VideoArea : public QWidget {
  private:
   void frameArrived(const QVideoFrame& frame);
 
-  QVideoSink* sink_;
+  QVideoSink* sink_ = nullptr;
   QImage frame_;
   QRect target_;
 };
