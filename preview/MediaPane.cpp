@@ -28,7 +28,8 @@ QVideoSink* VideoArea::sink() {
 QString VideoArea::handle() const { return QString::number(reinterpret_cast<quintptr>(this)); }
 
 void VideoArea::place(const QRect& rect) {
-  target_ = rect;
+  // A picture placed over the whole host keeps filling it when the host grows.
+  target_ = rect == QRect(QPoint(0, 0), size()) ? QRect() : rect;
   update();
 }
 
