@@ -163,9 +163,16 @@ int MciDevice::load(const QString& uri) {
     connect(player_, &QMediaPlayer::mediaStatusChanged, this, [this](QMediaPlayer::MediaStatus s) {
       if (s == QMediaPlayer::EndOfMedia) ended_ = true;
     });
+    connect(player_, &QMediaPlayer::positionChanged, this, [this](qint64 at) {
+      if (pendingSeek_ < 0 || at <= 0) return;
+      const qint64 to = pendingSeek_;
+      pendingSeek_ = -1;
+      player_->setPosition(to);
+    });
   }
   player_->setVideoSink(video_ ? sink_ : nullptr);
   ended_ = false;
+  pendingSeek_ = -1;
 
   QEventLoop loop;
   QTimer timeout;
@@ -213,6 +220,7 @@ int MciDevice::close() {
   player_->setVideoSink(nullptr);
   video_ = false;
   ended_ = false;
+  pendingSeek_ = -1;
   file_.clear();
   return kMciOk;
 }
@@ -224,16 +232,20 @@ double MciDevice::length() {
     for (double t : cdTracks_) total += t;
     return total;
   }
+  // A compressed stream's length is first guessed from its bit rate while it
+  // starts; the file's own reading stays put, so the progress does too.
+  if (kind_ == Kind::Stream) {
+    discover();
+    if (facts_.lengthMs > 0) return facts_.lengthMs;
+  }
   const qint64 d = player_ ? player_->duration() : 0;
   if (d > 0) return double(d);
-  // Compressed streams learn their length while they start; ask the file.
-  if (facts_.lengthMs <= 0 && kind_ == Kind::Stream) discover();
   return facts_.lengthMs > 0 ? facts_.lengthMs : 0;
 }
 
 double MciDevice::position() {
   if (ended_) return length();
-  double p = double(player_->position());
+  double p = double(pendingSeek_ >= 0 ? pendingSeek_ : player_->position());
   if (kind_ == Kind::Cd)
     for (int t = 1; t < cdTrack_ && t <= cdTracks_.size(); ++t) p += cdTracks_[t - 1];
   const double end = length();
@@ -260,10 +272,16 @@ int MciDevice::play(const MciCommand& c) {
       at = rest;
     }
     ended_ = false;
-    player_->setPosition(at);
-  } else if (ended_) {
-    return kMciOk;  // at the end there is nothing left to play
+    if (player_->playbackState() != QMediaPlayer::StoppedState && player_->position() > 0) {
+      player_->setPosition(at);
+    } else {
+      // A pipeline that has not run yet drops a seek; it seeks once it runs.
+      pendingSeek_ = at;
+    }
+    player_->play();
+    return kMciOk;
   }
+  if (ended_) return kMciOk;  // at the end there is nothing left to play
   player_->play();
   return kMciOk;
 }

@@ -69,6 +69,7 @@ class MciDevice : public QObject, public MciInterface {
   MediaFacts facts_;
   bool discovered_ = false;
   bool ended_ = false;
+  qint64 pendingSeek_ = -1;  // a start point waiting for the pipeline to run
   QVector<double> cdTracks_;
   int cdTrack_ = 0;  // the track loaded, from 1
 };
