@@ -136,6 +136,20 @@ class TestMciDevice : public QObject {
     QCOMPARE(device.DeviceId("wav"), 0);
   }
 
+  void playsFromAPoint() {
+    QVERIFY(testsupport::MakeFile(path("three.wav"), mediafixtures::Wave(3000)));
+    MciDevice device;
+    modMCIsnd::MediaSession session(&device);
+    QVERIFY(session.PreviewMedia(path("three.wav"), QString(), false));
+    QElapsedTimer t;
+    t.start();
+    session.PlayFrom(2.0 / 3.0, false);
+    QVERIFY(session.MediaPosition() >= 2000);
+    QTRY_VERIFY_WITH_TIMEOUT(session.Tick().finished, 5000);
+    QVERIFY2(t.elapsed() < 2500, "played from the start");
+    session.StopMedia(false);
+  }
+
   void midiPlays() {
     MciDevice device;
     modMCIsnd::MediaSession session(&device);
