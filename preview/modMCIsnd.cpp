@@ -149,13 +149,9 @@ bool MediaSession::PreviewMedia(const QString& path, const QString& rectText, bo
     file_ = path;  // the path as given: no short names here
     rect_ = rectText;
     if (OpenMedia()) {
-      if (!autoplay) {
-      } else if (class_ == kCdTrack) {
-        lastTrack_ = 0;
-        PlayFrom(ReplyNumber(path.right(6)), true);
-      } else {
-        SendCommand(QStringLiteral("play wav "));
-      }
+      lastTrack_ = 0;
+      if (autoplay && class_ == kCdTrack) PlayFrom(ReplyNumber(path.right(6)), true);
+      else if (autoplay) SendCommand(QStringLiteral("play wav "));
     } else {
       class_ = kNoMedia;
       failed_ = true;
