@@ -205,6 +205,16 @@ class TestMciDevice : public QObject {
     QCOMPARE(session.FormatLabel(), QStringLiteral("Format: 24 Bits, 15 fr/sec"));
     QTRY_VERIFY_WITH_TIMEOUT(frames > 0, 3000);
     session.StopMedia(false);
+
+    // A codec nobody decodes: refused, nothing left open.
+    QFile clip(avi);
+    QVERIFY(clip.open(QIODevice::ReadOnly));
+    QVERIFY(testsupport::MakeFile(path("nocodec.avi"), clip.readAll().replace("MJPG", "ZZZZ")));
+    int status = -1;
+    session.setStatusHandler([&](int code) { status = code; });
+    QVERIFY(session.PreviewMedia(path("nocodec.avi")));
+    QCOMPARE(status, int(modMCIsnd::kStatusCannotDecode));
+    QCOMPARE(device.DeviceId("wav"), 0);
   }
 };
 
