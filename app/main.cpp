@@ -9,6 +9,7 @@
 #include "browser/frmMain.h"
 #include "cli/Cli.h"
 #include "platform/NativePath.h"
+#include "preview/MciDevice.h"
 
 namespace {
 
@@ -65,6 +66,7 @@ bool SaveScreenshot(QWidget* window, const QString& path, QString* error) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  preview::MciDevice::UseGStreamerBackend();
   QStringList args;
   for (int i = 1; i < argc; ++i) args.append(QString::fromLocal8Bit(argv[i]));
 

@@ -25,6 +25,7 @@
 #include "browser/FileViewRunner.h"
 #include "browser/FindRunner.h"
 #include "browser/VersionRunner.h"
+#include "browser/MediaRunner.h"
 #include "browser/UiYield.h"
 #include "browser/list/CRellList.h"
 #include "core/DateStyles.h"
@@ -126,6 +127,7 @@ void frmMain::BuildUi() {
   finder_ = new FindRunner(this);
   new FileViewRunner(this);
   new VersionRunner(this);
+  new MediaRunner(this);
 
   // Escape must reach the main window before any control (the window previews keys).
   qApp->installEventFilter(this);

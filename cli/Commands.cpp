@@ -9,6 +9,7 @@ namespace cli {
 int RunSettingsCommand(CliContext& ctx);
 int RunViewCommand(CliContext& ctx);
 int RunVersionCommand(CliContext& ctx);
+int RunMediaCommand(CliContext& ctx);
 
 // Each command lives in its own file and is listed here.
 
@@ -37,6 +38,10 @@ std::span<const Command> AllCommands() {
       {"version", "[--fixed-text|--string-text] FILE...",
        "the version information of Windows executables, libraries, drivers and fonts as the Version tab shows it",
        RunVersionCommand},
+      {"media", "[--play] [--from FRACTION] [--windows-dir FOLDER] FILE",
+       "the format and length of a sound, MIDI or video file; --play plays it to the end (position on standard "
+       "error)",
+       RunMediaCommand},
   };
   return commands;
 }

@@ -8,6 +8,9 @@ packages=(
   cmake ninja-build g++ pkg-config
   qt6-base-dev qt6-base-dev-tools libqt6svg6 libicu-dev
   libgl-dev
+  qt6-multimedia-dev libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev
+  gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-bad gstreamer1.0-libav
+  gstreamer1.0-tools timgm6mb-soundfont
   fonts-dejavu-core adwaita-icon-theme
   xvfb xauth
   binutils-mingw-w64 gcc-mingw-w64
