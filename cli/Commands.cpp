@@ -2,6 +2,7 @@
 
 #include <array>
 
+#include "cli/FileOpsCommand.h"
 #include "cli/FindCommand.h"
 #include "cli/ListCommand.h"
 
@@ -12,7 +13,7 @@ int RunSettingsCommand(CliContext& ctx);
 // Each command lives in its own file and is listed here.
 
 std::span<const Command> AllCommands() {
-  static const std::array<Command, 4> commands = {{
+  static const std::array<Command, 9> commands = {{
       {"list",
        "[--size-format 0..8] [--date-style 0..3] [--time-style 0..3] [--sort COLUMN[:asc|:desc]] [--no-group] "
        "[--no-header] FOLDER",
@@ -29,6 +30,16 @@ std::span<const Command> AllCommands() {
        RunFindCommand},
       {"settings", "[--defaults] [--write] [--screen WxH] [--no-header]",
        "show every setting as the settings file holds it; --write saves them all", RunSettingsCommand},
+      {"copy", "[--dry-run] [--on-conflict skip|rename|overwrite] SOURCE... FOLDER",
+       "copy files and folders into a folder (one row per item; summary on standard error)", RunCopyCommand},
+      {"move", "[--dry-run] [--on-conflict skip|rename|overwrite] SOURCE... FOLDER",
+       "move files and folders into a folder (a rename within one file system)", RunMoveCommand},
+      {"backup", "[--dry-run] [--no-recurse] SOURCE... DESTINATION",
+       "copy what is new or newer into DESTINATION, with a dated log beside it", RunBackupCommand},
+      {"trash", "[--dry-run] [--for-good] PATH...", "move to the trash (--for-good: delete for good)",
+       RunTrashCommand},
+      {"mkdir", "[--new-folder | --new-text-file | --structure-from SOURCE] FOLDER...",
+       "make folders, a new folder or text file inside one, or a source's folder tree", RunMkdirCommand},
   }};
   return commands;
 }
