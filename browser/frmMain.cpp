@@ -22,6 +22,7 @@
 #include "browser/KeyHeldTracker.h"
 #include "browser/MainMenus.h"
 #include "browser/StatusLine.h"
+#include "browser/FileOpsRunner.h"
 #include "browser/FindRunner.h"
 #include "browser/UiYield.h"
 #include "browser/list/CRellList.h"
@@ -122,6 +123,7 @@ void frmMain::BuildUi() {
   connect(list_, &CRellList::StatusObjects, status_, [this](const QString& text, int) { status_->ShowStatus(text); });
   connect(list_, &CRellList::StatusDisks, status_, [this](const QString& text, int) { status_->ShowStatus(text); });
   finder_ = new FindRunner(this);
+  new FileOpsRunner(this);
 
   // Escape must reach the main window before any control (the window previews keys).
   qApp->installEventFilter(this);
