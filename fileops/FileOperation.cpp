@@ -167,7 +167,8 @@ ConflictChoice FileOperation::resolve(const QString& source, const QString& targ
 QString FileOperation::tempName(const QString& targetFolder) const {
   // Short and fixed in length, so that it fits wherever a 255-byte name does.
   static std::atomic<quint64> counter{0};
-  return Join(targetFolder, QStringLiteral(".quorvane-%1-%2.part").arg(::getpid()).arg(++counter));
+  static const qint64 pid = ::getpid();
+  return Join(targetFolder, QStringLiteral(".quorvane-%1-%2.part").arg(pid).arg(++counter));
 }
 
 bool FileOperation::renameInto(const QString& source, const QString& target, bool overwrite, int* error) {

@@ -113,6 +113,8 @@ int FileCopier::CopyFile(const QString& source, const QString& target, qint64 bl
     if (n == 0) break;
     done += n;
     if (hook && !hook(done)) return fail(ECANCELED);
+    // The size it had is in: a file that grows since is caught by the check below.
+    if (done == before.st_size && useRange) break;
   }
 
   struct stat after {};
