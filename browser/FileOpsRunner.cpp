@@ -196,6 +196,10 @@ void FileOpsRunner::DropOnList(const QStringList& paths, Qt::DropAction action, 
     const QString row = list->model().path(list->model().rowAt(hit));
     if (platform::FileCopier::Stat(row).kind == platform::NodeInfo::kFolder) target = row;
   }
+  // A drag let go where it started is no request to duplicate everything.
+  bool allThere = true;
+  for (const QString& p : paths) allThere = allThere && p.left(p.lastIndexOf(platform::kSeparator)) == target;
+  if (allThere) return;
   // Shift moves, as on the desktop; Ctrl or no key copies.
   Transfer(paths, target, action == Qt::MoveAction);
 }
