@@ -176,6 +176,62 @@ bool FileOperation::renameInto(const QString& source, const QString& target, boo
   return *error == 0;
 }
 
+FileOperation::Step FileOperation::settle(const QString& source, const QString& targetFolder, const NodeInfo& info,
+                                          const NodeInfo& there, QString* name, QString* target, bool* overwrite,
+                                          bool* merge) {
+  if (there.device == info.device && there.inode == info.inode) {
+    // The item onto itself: a copy becomes a second one beside it, a move has nothing to do.
+    if (options_.move) {
+      if (info.kind != NodeInfo::kFolder) ++progress_.filesDone;
+      report(ItemOutcome::kSkipped, source, *target, QStringLiteral("It is already there."));
+      return Step::kSkip;
+    }
+    *name = KeepBothName(targetFolder, *name);
+    *target = Join(targetFolder, *name);
+  } else if (info.kind == NodeInfo::kFolder && there.kind == NodeInfo::kFolder) {
+    *merge = true;
+  } else if (options_.onlyNewer) {
+    if (there.kind == NodeInfo::kFolder || info.kind == NodeInfo::kFolder) {
+      if (info.kind != NodeInfo::kFolder) ++progress_.filesDone;
+      report(ItemOutcome::kFailed, source, *target, QStringLiteral("A file and a folder have the same name."));
+      return Step::kSkip;
+    }
+    if (info.mtimeNs <= there.mtimeNs) {
+      ++progress_.filesDone;
+      fileBytesBase_ += info.size;
+      progress_.bytesDone = fileBytesBase_;
+      report(ItemOutcome::kSkipped, source, *target, QStringLiteral("Not newer."));
+      return Step::kSkip;
+    }
+    *overwrite = true;
+  } else {
+    switch (resolve(source, *target)) {
+      case ConflictChoice::kStop: result_.stopped = true; return Step::kStop;
+      case ConflictChoice::kSkip:
+        if (info.kind != NodeInfo::kFolder) {
+          ++progress_.filesDone;
+          fileBytesBase_ += info.size;
+      progress_.bytesDone = fileBytesBase_;
+        }
+        report(ItemOutcome::kSkipped, source, *target, QStringLiteral("The name is taken."));
+        return Step::kSkip;
+      case ConflictChoice::kKeepBoth:
+        *name = KeepBothName(targetFolder, *name);
+        *target = Join(targetFolder, *name);
+        break;
+      case ConflictChoice::kOverwrite:
+        if ((there.kind == NodeInfo::kFolder) != (info.kind == NodeInfo::kFolder)) {
+          if (info.kind != NodeInfo::kFolder) ++progress_.filesDone;
+          report(ItemOutcome::kFailed, source, *target, QStringLiteral("A file and a folder have the same name."));
+          return Step::kSkip;
+        }
+        *overwrite = true;
+        break;
+    }
+  }
+  return Step::kGo;
+}
+
 void FileOperation::node(const QString& source, const QString& targetFolder, const QString& givenName,
                          const NodeInfo& info, bool top) {
   if (stopNow()) return;
@@ -189,60 +245,18 @@ void FileOperation::node(const QString& source, const QString& targetFolder, con
   }
   bool overwrite = false;
   bool merge = false;
-  const NodeInfo there = FileCopier::Stat(target);
-  if (there.kind != NodeInfo::kMissing) {
-    if (there.device == info.device && there.inode == info.inode) {
-      // The item onto itself: a copy becomes a second one beside it, a move has nothing to do.
-      if (options_.move) {
-        if (info.kind != NodeInfo::kFolder) ++progress_.filesDone;
-        report(ItemOutcome::kSkipped, source, target, QStringLiteral("It is already there."));
-        return;
-      }
-      name = KeepBothName(targetFolder, name);
-      target = Join(targetFolder, name);
-    } else if (info.kind == NodeInfo::kFolder && there.kind == NodeInfo::kFolder) {
-      merge = true;
-    } else if (options_.onlyNewer) {
-      if (there.kind == NodeInfo::kFolder || info.kind == NodeInfo::kFolder) {
-        if (info.kind != NodeInfo::kFolder) ++progress_.filesDone;
-        report(ItemOutcome::kFailed, source, target, QStringLiteral("A file and a folder have the same name."));
-        return;
-      }
-      if (info.mtimeNs <= there.mtimeNs) {
-        ++progress_.filesDone;
-        progress_.bytesDone += info.size;
-        report(ItemOutcome::kSkipped, source, target, QStringLiteral("Not newer."));
-        return;
-      }
-      overwrite = true;
-    } else {
-      switch (resolve(source, target)) {
-        case ConflictChoice::kStop: result_.stopped = true; return;
-        case ConflictChoice::kSkip:
-          if (info.kind != NodeInfo::kFolder) {
-            ++progress_.filesDone;
-            progress_.bytesDone += info.size;
-          }
-          report(ItemOutcome::kSkipped, source, target, QStringLiteral("The name is taken."));
-          return;
-        case ConflictChoice::kKeepBoth:
-          name = KeepBothName(targetFolder, name);
-          target = Join(targetFolder, name);
-          break;
-        case ConflictChoice::kOverwrite:
-          if ((there.kind == NodeInfo::kFolder) != (info.kind == NodeInfo::kFolder)) {
-            if (info.kind != NodeInfo::kFolder) ++progress_.filesDone;
-            report(ItemOutcome::kFailed, source, target, QStringLiteral("A file and a folder have the same name."));
-            return;
-          }
-          overwrite = true;
-          break;
-      }
+  // A file's name is checked by the no-replace rename that puts it in place,
+  // which saves a look per file; folders, backups and dry runs look first.
+  const bool lookFirst = info.kind == NodeInfo::kFolder || options_.onlyNewer || options_.dryRun;
+  if (lookFirst) {
+    const NodeInfo there = FileCopier::Stat(target);
+    if (there.kind != NodeInfo::kMissing) {
+      if (settle(source, targetFolder, info, there, &name, &target, &overwrite, &merge) != Step::kGo) return;
     }
   }
   bool done;
   if (info.kind == NodeInfo::kFolder) done = folder(source, target, info, merge);
-  else done = leaf(source, target, info, overwrite);
+  else done = leaf(source, &target, info, overwrite);
   if (top && done) result_.topTargets.append(target);
 }
 
@@ -299,7 +313,8 @@ bool FileOperation::folder(const QString& source, const QString& target, const N
   return true;
 }
 
-bool FileOperation::leaf(const QString& source, const QString& target, const NodeInfo& info, bool overwrite) {
+bool FileOperation::leaf(const QString& source, QString* targetPath, const NodeInfo& info, bool overwrite) {
+  QString& target = *targetPath;
   tick(source);
   const qint64 size = info.kind == NodeInfo::kFile ? info.size : 0;
   auto finish = [&] {
@@ -315,21 +330,43 @@ bool FileOperation::leaf(const QString& source, const QString& target, const Nod
     return false;
   }
   const QString targetFolder = ParentOf(target);
-  if (options_.move && FileCopier::SameFileSystem(source, targetFolder)) {
-    int error = 0;
-    if (!options_.dryRun && !renameInto(source, target, overwrite, &error)) {
+  QString name = NameOf(target);
+  // Puts `from` under the target name without replacing anything the user
+  // did not choose to replace; a taken name is settled then. 0 placed, -1
+  // skipped or stopped (already reported), else an errno value.
+  auto place = [&](const QString& from) -> int {
+    for (int round = 0; round < 4; ++round) {
+      int error = 0;
+      if (renameInto(from, target, overwrite, &error)) return 0;
+      if (error != EEXIST || overwrite) return error;
+      const NodeInfo there = FileCopier::Stat(target);
+      if (there.kind == NodeInfo::kMissing) continue;
+      bool merge = false;
+      if (settle(source, targetFolder, info, there, &name, &target, &overwrite, &merge) != Step::kGo) return -1;
+    }
+    return EEXIST;
+  };
+  const bool sameFs = options_.move && FileCopier::SameFileSystem(source, targetFolder);
+  if (options_.dryRun) {
+    finish();
+    if (!sameFs) result_.bytes += size;
+    report(options_.move ? ItemOutcome::kMoved : ItemOutcome::kCopied, source, target);
+    return true;
+  }
+  if (sameFs) {
+    if (source == target) {
       finish();
+      report(ItemOutcome::kSkipped, source, target, QStringLiteral("It is already there."));
+      return false;
+    }
+    const int error = place(source);
+    if (error < 0) return false;
+    finish();
+    if (error) {
       fail(source, target, error);
       return false;
     }
-    finish();
     report(ItemOutcome::kMoved, source, target);
-    return true;
-  }
-  if (options_.dryRun) {
-    finish();
-    result_.bytes += size;
-    report(options_.move ? ItemOutcome::kMoved : ItemOutcome::kCopied, source, target);
     return true;
   }
 
@@ -348,7 +385,11 @@ bool FileOperation::leaf(const QString& source, const QString& target, const Nod
     error = FileCopier::CopyFifo(source, temp);
   }
   if (error == ECANCELED) return false;  // stopped inside the file: it was never there
-  if (error == 0 && !renameInto(temp, target, overwrite, &error)) FileCopier::RemoveFile(temp);
+  if (error == 0) {
+    error = place(temp);
+    if (error != 0) FileCopier::RemoveFile(temp);
+    if (error < 0) return false;
+  }
   finish();
   if (error == ESTALE) {
     report(ItemOutcome::kFailed, source, target, QStringLiteral("The file changed while it was copied."));

@@ -61,7 +61,10 @@ class FileOperation {
   void node(const QString& source, const QString& targetFolder, const QString& name, const platform::NodeInfo& info,
             bool top);
   bool folder(const QString& source, const QString& target, const platform::NodeInfo& info, bool exists);
-  bool leaf(const QString& source, const QString& target, const platform::NodeInfo& info, bool overwrite);
+  bool leaf(const QString& source, QString* target, const platform::NodeInfo& info, bool overwrite);
+  // A taken target name: same item, folder merge, backup's newer test or the user's answer.
+  Step settle(const QString& source, const QString& targetFolder, const platform::NodeInfo& info,
+              const platform::NodeInfo& there, QString* name, QString* target, bool* overwrite, bool* merge);
   bool renameInto(const QString& source, const QString& target, bool overwrite, int* error);
   ConflictChoice resolve(const QString& source, const QString& target);
   QString tempName(const QString& targetFolder) const;
