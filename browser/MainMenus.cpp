@@ -214,17 +214,14 @@ void MainMenus::SetHistory(const QStringList& folders, qsizetype position, bool 
 }
 
 void MainMenus::SetCopyMoveTargets(const QStringList& copyTo, const QStringList& moveTo) {
-  // Copying and moving are not part of this build yet: the lists show the
-  // stored destinations, disabled.
+  // The file operations rebuild these lists, with their commands, when they open.
   for (auto [menu, list, prefix] : {std::tuple{menCopyTo, &copyTo, "menCopyTo"}, std::tuple{menMoveTo, &moveTo, "menMoveTo"}}) {
     menu->clear();
     for (qsizetype i = 0; i < list->size(); ++i) {
       if ((*list)[i].trimmed().isEmpty()) continue;
       QAction* a = menu->addAction(MenuText((*list)[i]));
       a->setObjectName(QString::fromLatin1(prefix) + QString::number(i));
-      a->setEnabled(false);
     }
-    menu->menuAction()->setEnabled(false);
   }
 }
 

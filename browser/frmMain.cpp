@@ -23,6 +23,7 @@
 #include "browser/MainMenus.h"
 #include "browser/StatusLine.h"
 #include "browser/FileViewRunner.h"
+#include "browser/FileOpsRunner.h"
 #include "browser/FindRunner.h"
 #include "browser/VersionRunner.h"
 #include "browser/MediaRunner.h"
@@ -128,6 +129,7 @@ void frmMain::BuildUi() {
   new FileViewRunner(this);
   new VersionRunner(this);
   new MediaRunner(this);
+  new FileOpsRunner(this);
 
   // Escape must reach the main window before any control (the window previews keys).
   qApp->installEventFilter(this);

@@ -16,6 +16,7 @@ class BrowseFlow;
 class CRellList;
 class CRellTree;
 class CTabCtrl;
+class FileOpsRunner;
 class FindRunner;
 class KeyHeldTracker;
 class MainMenus;
@@ -63,6 +64,8 @@ class frmMain : public QMainWindow {
   StatusLine* statusLine() const { return status_; }
   MainMenus* menus() const { return menus_; }
   FindRunner* finder() const { return finder_; }
+  // The folder the list shows ("" for the drives).
+  const QString& listFolder() const { return listFolder_; }
   BrowseFlow* flow() const { return flow_; }
   KeyHeldTracker* keys() const { return keys_; }
   core::AppSettings& settings() { return settings_; }

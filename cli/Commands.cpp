@@ -1,6 +1,7 @@
 #include "cli/Commands.h"
 
 
+#include "cli/FileOpsCommand.h"
 #include "cli/FindCommand.h"
 #include "cli/ListCommand.h"
 
@@ -42,6 +43,16 @@ std::span<const Command> AllCommands() {
        "the format and length of a sound, MIDI or video file; --play plays it to the end (position on standard "
        "error)",
        RunMediaCommand},
+      {"copy", "[--dry-run] [--on-conflict skip|rename|overwrite] SOURCE... FOLDER",
+       "copy files and folders into a folder (one row per item; summary on standard error)", RunCopyCommand},
+      {"move", "[--dry-run] [--on-conflict skip|rename|overwrite] SOURCE... FOLDER",
+       "move files and folders into a folder (a rename within one file system)", RunMoveCommand},
+      {"backup", "[--dry-run] [--no-recurse] SOURCE... DESTINATION",
+       "copy what is new or newer into DESTINATION, with a dated log beside it", RunBackupCommand},
+      {"trash", "[--dry-run] [--for-good] PATH...", "move to the trash (--for-good: delete for good)",
+       RunTrashCommand},
+      {"mkdir", "[--new-folder | --new-text-file | --structure-from SOURCE] FOLDER...",
+       "make folders, a new folder or text file inside one, or a source's folder tree", RunMkdirCommand},
   };
   return commands;
 }

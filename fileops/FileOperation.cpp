@@ -1,0 +1,422 @@
+#include "fileops/FileOperation.h"
+
+#include <QElapsedTimer>
+#include <cerrno>
+#include <unistd.h>
+
+#include "platform/NativePath.h"
+#include "platform/SafeRename.h"
+
+namespace fileops {
+
+using platform::FileCopier;
+using platform::NodeInfo;
+
+namespace {
+
+QString Join(const QString& folder, const QString& name) { return platform::WithSeparator(folder) + name; }
+
+QString NameOf(const QString& path) {
+  QString p = path;
+  while (p.size() > 1 && p.endsWith(platform::kSeparator)) p.chop(1);
+  return p.mid(p.lastIndexOf(platform::kSeparator) + 1);
+}
+
+QString ParentOf(const QString& path) {
+  QString p = path;
+  while (p.size() > 1 && p.endsWith(platform::kSeparator)) p.chop(1);
+  const qsizetype cut = p.lastIndexOf(platform::kSeparator);
+  if (cut < 0) return QStringLiteral(".");
+  return cut == 0 ? QStringLiteral("/") : p.left(cut);
+}
+
+bool Inside(const QString& path, const QString& folder) {
+  return path == folder || path.startsWith(platform::WithSeparator(folder));
+}
+
+qint64 Now() {
+  static QElapsedTimer timer;
+  if (!timer.isValid()) timer.start();
+  return timer.elapsed();
+}
+
+}  // namespace
+
+QString FileOpResult::status(bool move) const {
+  if (!refusal.isEmpty()) return refusal;
+  QString text = move ? QStringLiteral("Moved %1").arg(moved + copied) : QStringLiteral("Copied %1").arg(copied);
+  text += (move ? moved + copied : copied) == 1 ? QStringLiteral(" item") : QStringLiteral(" items");
+  if (created) text += QStringLiteral(", %1 folder%2 created").arg(created).arg(created == 1 ? "" : "s");
+  text += QStringLiteral(", %1 skipped, %2 failed.").arg(skipped).arg(failed);
+  if (stopped) {
+    text += QStringLiteral(" Stopped by the user: ");
+    text += notDone >= 0 ? QStringLiteral("%1 not %2.").arg(notDone).arg(move ? "moved" : "copied")
+                         : QStringLiteral("the rest was not %1.").arg(move ? "moved" : "copied");
+  }
+  return text;
+}
+
+FileOperation::FileOperation(FileOpSink* sink, std::function<void()> yield, const std::atomic<bool>& abort,
+                             FileOpOptions options)
+    : sink_(sink), yield_(std::move(yield)), abort_(abort), options_(options) {
+  switch (options_.onConflict) {
+    case ConflictPolicy::kAsk: break;
+    case ConflictPolicy::kSkip: haveAll_ = true, all_ = ConflictChoice::kSkip; break;
+    case ConflictPolicy::kKeepBoth: haveAll_ = true, all_ = ConflictChoice::kKeepBoth; break;
+    case ConflictPolicy::kOverwrite: haveAll_ = true, all_ = ConflictChoice::kOverwrite; break;
+  }
+}
+
+QString FileOperation::KeepBothName(const QString& folder, const QString& name) {
+  // The extension stays at the end; a leading dot is part of the name.
+  qsizetype dot = name.lastIndexOf(u'.');
+  if (dot <= 0) dot = name.size();
+  const QString base = name.left(dot);
+  const QString ext = name.mid(dot);
+  for (int n = 2;; ++n) {
+    const QString candidate = QStringLiteral("%1 (%2)%3").arg(base).arg(n).arg(ext);
+    if (FileCopier::Stat(Join(folder, candidate)).kind == NodeInfo::kMissing) return candidate;
+  }
+}
+
+QString FileOperation::CheckRequest(const QStringList& sources, const QString& targetFolder, bool move) {
+  const QString target = FileCopier::RealPath(targetFolder);
+  if (target.isEmpty() || FileCopier::Stat(target).kind != NodeInfo::kFolder)
+    return QStringLiteral("The target folder does not exist: %1").arg(platform::DisplayText(targetFolder));
+  for (const QString& source : sources) {
+    const NodeInfo info = FileCopier::Stat(source);
+    if (info.kind == NodeInfo::kMissing)
+      return QStringLiteral("The source does not exist: %1").arg(platform::DisplayText(source));
+    if (info.kind != NodeInfo::kFolder) continue;
+    // The source itself is not resolved: a link to a folder is copied as a link.
+    const QString real = FileCopier::RealPath(source);
+    if (Inside(target, real))
+      return QStringLiteral("Cannot %1 a folder into itself: %2")
+          .arg(move ? "move" : "copy", platform::DisplayText(source));
+  }
+  return QString();
+}
+
+FileOpResult FileOperation::run(const QStringList& sources, const QString& targetFolder) {
+  result_ = FileOpResult();
+  progress_ = OpProgress();
+  result_.refusal = CheckRequest(sources, targetFolder, options_.move);
+  if (!result_.refusal.isEmpty()) return result_;
+  if (options_.countFirst) {
+    progress_.bytesTotal = progress_.filesTotal = 0;
+    for (const QString& source : sources) count(source);
+  }
+  for (const QString& source : sources) {
+    if (stopNow()) break;
+    const NodeInfo info = FileCopier::Stat(source);
+    node(source, targetFolder, NameOf(source), info, true);
+  }
+  if (result_.stopped && progress_.filesTotal >= 0) result_.notDone = progress_.filesTotal - progress_.filesDone;
+  tick(QString());
+  return result_;
+}
+
+void FileOperation::count(const QString& path) {
+  const NodeInfo info = FileCopier::Stat(path);
+  if (info.kind != NodeInfo::kFolder) {
+    progress_.filesTotal += 1;
+    if (info.kind == NodeInfo::kFile) progress_.bytesTotal += info.size;
+    return;
+  }
+  QStringList names;
+  FileCopier::ListNames(path, &names);
+  for (const QString& name : names) count(Join(path, name));
+}
+
+bool FileOperation::stopNow() {
+  if (yield_) yield_();
+  if (abort_.load(std::memory_order_relaxed)) result_.stopped = true;
+  return result_.stopped;
+}
+
+void FileOperation::tick(const QString& current) {
+  const qint64 now = Now();
+  if (!current.isEmpty() && now - lastTick_ < 50) return;
+  lastTick_ = now;
+  if (!current.isEmpty()) progress_.current = current;
+  if (sink_) sink_->progress(progress_);
+}
+
+void FileOperation::report(ItemOutcome outcome, const QString& source, const QString& target, const QString& detail) {
+  switch (outcome) {
+    case ItemOutcome::kCopied: ++result_.copied; break;
+    case ItemOutcome::kMoved: ++result_.moved; break;
+    case ItemOutcome::kCreated: ++result_.created; break;
+    case ItemOutcome::kSkipped: ++result_.skipped; break;
+    case ItemOutcome::kFailed: ++result_.failed; break;
+  }
+  if (sink_) sink_->item(outcome, source, target, detail);
+}
+
+void FileOperation::fail(const QString& source, const QString& target, int error) {
+  report(ItemOutcome::kFailed, source, target, platform::ErrorText(error));
+}
+
+ConflictChoice FileOperation::resolve(const QString& source, const QString& target) {
+  if (haveAll_) return all_;
+  const ConflictAnswer answer = sink_ ? sink_->askConflict(source, target) : ConflictAnswer();
+  if (answer.applyToAll) haveAll_ = true, all_ = answer.choice;
+  return answer.choice;
+}
+
+QString FileOperation::tempName(const QString& targetFolder) const {
+  // Short and fixed in length, so that it fits wherever a 255-byte name does.
+  static std::atomic<quint64> counter{0};
+  static const qint64 pid = ::getpid();
+  return Join(targetFolder, QStringLiteral(".quorvane-%1-%2.part").arg(pid).arg(++counter));
+}
+
+bool FileOperation::renameInto(const QString& source, const QString& target, bool overwrite, int* error) {
+  *error = overwrite ? FileCopier::RenameReplace(source, target) : platform::RenameNoReplace(source, target);
+  return *error == 0;
+}
+
+FileOperation::Step FileOperation::settle(const QString& source, const QString& targetFolder, const NodeInfo& info,
+                                          const NodeInfo& there, QString* name, QString* target, bool* overwrite,
+                                          bool* merge) {
+  if (there.device == info.device && there.inode == info.inode) {
+    // The item onto itself: a copy becomes a second one beside it, a move has nothing to do.
+    if (options_.move) {
+      if (info.kind != NodeInfo::kFolder) ++progress_.filesDone;
+      report(ItemOutcome::kSkipped, source, *target, QStringLiteral("It is already there."));
+      return Step::kSkip;
+    }
+    *name = KeepBothName(targetFolder, *name);
+    *target = Join(targetFolder, *name);
+  } else if (info.kind == NodeInfo::kFolder && there.kind == NodeInfo::kFolder) {
+    *merge = true;
+  } else if (options_.onlyNewer) {
+    if (there.kind == NodeInfo::kFolder || info.kind == NodeInfo::kFolder) {
+      if (info.kind != NodeInfo::kFolder) ++progress_.filesDone;
+      report(ItemOutcome::kFailed, source, *target, QStringLiteral("A file and a folder have the same name."));
+      return Step::kSkip;
+    }
+    if (info.mtimeNs <= there.mtimeNs) {
+      ++progress_.filesDone;
+      fileBytesBase_ += info.size;
+      progress_.bytesDone = fileBytesBase_;
+      report(ItemOutcome::kSkipped, source, *target, QStringLiteral("Not newer."));
+      return Step::kSkip;
+    }
+    *overwrite = true;
+  } else {
+    switch (resolve(source, *target)) {
+      case ConflictChoice::kStop: result_.stopped = true; return Step::kStop;
+      case ConflictChoice::kSkip:
+        if (info.kind != NodeInfo::kFolder) {
+          ++progress_.filesDone;
+          fileBytesBase_ += info.size;
+      progress_.bytesDone = fileBytesBase_;
+        }
+        report(ItemOutcome::kSkipped, source, *target, QStringLiteral("The name is taken."));
+        return Step::kSkip;
+      case ConflictChoice::kKeepBoth:
+        *name = KeepBothName(targetFolder, *name);
+        *target = Join(targetFolder, *name);
+        break;
+      case ConflictChoice::kOverwrite:
+        if ((there.kind == NodeInfo::kFolder) != (info.kind == NodeInfo::kFolder)) {
+          if (info.kind != NodeInfo::kFolder) ++progress_.filesDone;
+          report(ItemOutcome::kFailed, source, *target, QStringLiteral("A file and a folder have the same name."));
+          return Step::kSkip;
+        }
+        *overwrite = true;
+        break;
+    }
+  }
+  return Step::kGo;
+}
+
+void FileOperation::node(const QString& source, const QString& targetFolder, const QString& givenName,
+                         const NodeInfo& info, bool top) {
+  if (stopNow()) return;
+  if (!top && !options_.recurse && info.kind == NodeInfo::kFolder) return;
+  QString name = givenName;
+  QString target = Join(targetFolder, name);
+  if (info.kind == NodeInfo::kMissing) {
+    ++progress_.filesDone;
+    fail(source, target, info.error ? info.error : ENOENT);
+    return;
+  }
+  bool overwrite = false;
+  bool merge = false;
+  // A file's name is checked by the no-replace rename that puts it in place,
+  // which saves a look per file; folders, backups and dry runs look first.
+  const bool lookFirst = info.kind == NodeInfo::kFolder || options_.onlyNewer || options_.dryRun;
+  if (lookFirst) {
+    const NodeInfo there = FileCopier::Stat(target);
+    if (there.kind != NodeInfo::kMissing) {
+      if (settle(source, targetFolder, info, there, &name, &target, &overwrite, &merge) != Step::kGo) return;
+    }
+  }
+  bool done;
+  if (info.kind == NodeInfo::kFolder) done = folder(source, target, info, merge);
+  else done = leaf(source, &target, info, overwrite);
+  if (top && done) result_.topTargets.append(target);
+}
+
+bool FileOperation::folder(const QString& source, const QString& target, const NodeInfo& info, bool exists) {
+  if (options_.move && !exists && FileCopier::SameFileSystem(source, ParentOf(target))) {
+    int error = 0;
+    if (!options_.dryRun && !renameInto(source, target, false, &error)) {
+      fail(source, target, error);
+      return false;
+    }
+    if (progress_.filesTotal >= 0) {
+      // The whole subtree is done at once.
+      const OpProgress before = progress_;
+      progress_.filesTotal = progress_.bytesTotal = 0;
+      count(options_.dryRun ? source : target);
+      const qint64 files = progress_.filesTotal, bytes = progress_.bytesTotal;
+      progress_ = before;
+      progress_.filesDone += files;
+      progress_.bytesDone += bytes;
+    }
+    report(ItemOutcome::kMoved, source, target);
+    return true;
+  }
+  QStringList names;
+  if (const int error = FileCopier::ListNames(source, &names)) {
+    fail(source, target, error);
+    return false;
+  }
+  if (!exists) {
+    // Writable by us until its contents are in; its own permissions come last.
+    if (!options_.dryRun) {
+      if (const int error = FileCopier::MakeFolder(target, 0700)) {
+        fail(source, target, error);
+        return false;
+      }
+    }
+    report(ItemOutcome::kCreated, source, target);
+  }
+  const qint64 failedBefore = result_.failed + result_.skipped;
+  for (const QString& name : names) {
+    if (stopNow()) break;
+    const QString child = Join(source, name);
+    node(child, target, name, FileCopier::Stat(child), false);
+  }
+  if (options_.dryRun) return true;
+  if (!exists) {
+    if (const int error = FileCopier::CopyFolderMeta(source, target)) fail(source, target, error);
+  }
+  // A moved folder goes only when everything in it went.
+  if (options_.move && !result_.stopped && result_.failed + result_.skipped == failedBefore) {
+    if (const int error = FileCopier::RemoveFolder(source)) fail(source, target, error);
+  }
+  (void)info;
+  return true;
+}
+
+bool FileOperation::leaf(const QString& source, QString* targetPath, const NodeInfo& info, bool overwrite) {
+  QString& target = *targetPath;
+  tick(source);
+  const qint64 size = info.kind == NodeInfo::kFile ? info.size : 0;
+  auto finish = [&] {
+    ++progress_.filesDone;
+    fileBytesBase_ += size;
+    progress_.bytesDone = fileBytesBase_;
+  };
+  if (info.kind == NodeInfo::kDevice || info.kind == NodeInfo::kSocket) {
+    finish();
+    report(ItemOutcome::kSkipped, source, target,
+           info.kind == NodeInfo::kDevice ? QStringLiteral("A device is not copied.")
+                                          : QStringLiteral("A socket is not copied."));
+    return false;
+  }
+  const QString targetFolder = ParentOf(target);
+  QString name = NameOf(target);
+  // Puts `from` under the target name without replacing anything the user
+  // did not choose to replace; a taken name is settled then. 0 placed, -1
+  // skipped or stopped (already reported), else an errno value.
+  auto place = [&](const QString& from) -> int {
+    for (int round = 0; round < 4; ++round) {
+      int error = 0;
+      if (renameInto(from, target, overwrite, &error)) return 0;
+      if (error != EEXIST || overwrite) return error;
+      const NodeInfo there = FileCopier::Stat(target);
+      if (there.kind == NodeInfo::kMissing) continue;
+      bool merge = false;
+      if (settle(source, targetFolder, info, there, &name, &target, &overwrite, &merge) != Step::kGo) return -1;
+    }
+    return EEXIST;
+  };
+  const bool sameFs = options_.move && FileCopier::SameFileSystem(source, targetFolder);
+  if (options_.dryRun) {
+    finish();
+    if (!sameFs) result_.bytes += size;
+    report(options_.move ? ItemOutcome::kMoved : ItemOutcome::kCopied, source, target);
+    return true;
+  }
+  if (sameFs) {
+    if (source == target) {
+      finish();
+      report(ItemOutcome::kSkipped, source, target, QStringLiteral("It is already there."));
+      return false;
+    }
+    const int error = place(source);
+    if (error < 0) return false;
+    finish();
+    if (error) {
+      fail(source, target, error);
+      return false;
+    }
+    report(ItemOutcome::kMoved, source, target);
+    return true;
+  }
+
+  const QString temp = tempName(targetFolder);
+  int error = 0;
+  if (info.kind == NodeInfo::kFile) {
+    const qint64 base = fileBytesBase_;
+    error = FileCopier::CopyFile(source, temp, options_.blockSize, [&](qint64 done) {
+      progress_.bytesDone = base + done;
+      tick(source);
+      return !stopNow();
+    });
+  } else if (info.kind == NodeInfo::kLink) {
+    error = FileCopier::CopyLink(source, temp);
+  } else {
+    error = FileCopier::CopyFifo(source, temp);
+  }
+  if (error == ECANCELED) return false;  // stopped inside the file: it was never there
+  if (error == 0) {
+    error = place(temp);
+    if (error != 0) FileCopier::RemoveFile(temp);
+    if (error < 0) return false;
+  }
+  finish();
+  if (error == ESTALE) {
+    report(ItemOutcome::kFailed, source, target, QStringLiteral("The file changed while it was copied."));
+    return false;
+  }
+  if (error) {
+    fail(source, target, error);
+    return false;
+  }
+  result_.bytes += size;
+  if (!options_.move) {
+    report(ItemOutcome::kCopied, source, target);
+    return true;
+  }
+  // Across file systems the source goes only when the copy is there in full.
+  const NodeInfo copy = FileCopier::Stat(target);
+  if (copy.kind != info.kind || copy.size != info.size) {
+    report(ItemOutcome::kFailed, source, target, QStringLiteral("The copy could not be verified; the source is kept."));
+    return false;
+  }
+  if ((error = FileCopier::RemoveFile(source))) {
+    report(ItemOutcome::kFailed, source, target,
+           QStringLiteral("Copied, but the source could not be removed: %1").arg(platform::ErrorText(error)));
+    return true;
+  }
+  report(ItemOutcome::kMoved, source, target);
+  return true;
+}
+
+}  // namespace fileops

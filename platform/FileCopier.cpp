@@ -1,0 +1,239 @@
+#include "platform/FileCopier.h"
+
+#include <cerrno>
+#include <climits>
+#include <cstdlib>
+#include <cstring>
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <vector>
+
+#include "platform/NativePath.h"
+
+namespace platform {
+
+namespace {
+
+qint64 Nanoseconds(const struct timespec& t) { return qint64(t.tv_sec) * 1000000000 + t.tv_nsec; }
+
+NodeInfo FromStat(const struct stat& st) {
+  NodeInfo info;
+  if (S_ISREG(st.st_mode)) info.kind = NodeInfo::kFile;
+  else if (S_ISDIR(st.st_mode)) info.kind = NodeInfo::kFolder;
+  else if (S_ISLNK(st.st_mode)) info.kind = NodeInfo::kLink;
+  else if (S_ISFIFO(st.st_mode)) info.kind = NodeInfo::kFifo;
+  else if (S_ISSOCK(st.st_mode)) info.kind = NodeInfo::kSocket;
+  else info.kind = NodeInfo::kDevice;
+  info.device = st.st_dev;
+  info.inode = st.st_ino;
+  info.size = st.st_size;
+  info.mtimeNs = Nanoseconds(st.st_mtim);
+  info.mode = st.st_mode & 07777;
+  return info;
+}
+
+int CloseKeeping(int fd, int error) {
+  if (fd >= 0) ::close(fd);
+  return error;
+}
+
+// Plain read/write for file systems or kernels without copy_file_range.
+ssize_t ReadWrite(int in, int out, size_t length, std::vector<char>* buffer) {
+  if (buffer->empty()) buffer->resize(1 << 20);
+  const size_t want = std::min(length, buffer->size());
+  ssize_t got;
+  do got = ::read(in, buffer->data(), want);
+  while (got < 0 && errno == EINTR);
+  if (got <= 0) return got;
+  ssize_t written = 0;
+  while (written < got) {
+    const ssize_t w = ::write(out, buffer->data() + written, size_t(got - written));
+    if (w < 0) {
+      if (errno == EINTR) continue;
+      return -1;
+    }
+    written += w;
+  }
+  return got;
+}
+
+}  // namespace
+
+NodeInfo FileCopier::Stat(const QString& path) {
+  struct stat st {};
+  if (::lstat(ToNative(path).constData(), &st) != 0) {
+    NodeInfo info;
+    if (errno != ENOENT && errno != ENOTDIR) info.error = errno;
+    return info;
+  }
+  return FromStat(st);
+}
+
+int FileCopier::CopyFile(const QString& source, const QString& target, qint64 blockSize, const BlockHook& hook) {
+  // O_NONBLOCK: a file that turned into a FIFO since it was listed must not hang us.
+  const int in = ::open(ToNative(source).constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+  if (in < 0) return errno;
+  struct stat before {};
+  if (::fstat(in, &before) != 0) return CloseKeeping(in, errno);
+  if (!S_ISREG(before.st_mode)) return CloseKeeping(in, EINVAL);
+  const QByteArray nativeTarget = ToNative(target);
+  const int out = ::open(nativeTarget.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
+  if (out < 0) return CloseKeeping(in, errno);
+
+  auto fail = [&](int error) {
+    ::close(in);
+    ::close(out);
+    ::unlink(nativeTarget.constData());
+    return error;
+  };
+  if (before.st_size > (1 << 20)) posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
+  bool useRange = true;
+  std::vector<char> buffer;
+  qint64 done = 0;
+  const size_t block = size_t(blockSize > 0 ? blockSize : (8 << 20));
+  for (;;) {
+    ssize_t n;
+    if (useRange) {
+      n = ::copy_file_range(in, nullptr, out, nullptr, block, 0);
+      if (n < 0 && (errno == EXDEV || errno == ENOSYS || errno == EINVAL || errno == EOPNOTSUPP ||
+                    errno == EBADF) && done == 0) {
+        useRange = false;
+        continue;
+      }
+    } else {
+      n = ReadWrite(in, out, block, &buffer);
+    }
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      return fail(errno);
+    }
+    if (n == 0) break;
+    done += n;
+    if (hook && !hook(done)) return fail(ECANCELED);
+    // The size it had is in: a file that grows since is caught by the check below.
+    if (done == before.st_size && useRange) break;
+  }
+
+  struct stat after {};
+  if (::fstat(in, &after) != 0) return fail(errno);
+  if (after.st_size != done || after.st_mtim.tv_sec != before.st_mtim.tv_sec ||
+      after.st_mtim.tv_nsec != before.st_mtim.tv_nsec)
+    return fail(ESTALE);
+  if (::fchmod(out, before.st_mode & 07777) != 0) return fail(errno);
+  const struct timespec times[2] = {before.st_atim, before.st_mtim};
+  if (::futimens(out, times) != 0) return fail(errno);
+  ::close(in);
+  if (::close(out) != 0) {
+    const int error = errno;
+    ::unlink(nativeTarget.constData());
+    return error;
+  }
+  return 0;
+}
+
+int FileCopier::CopyLink(const QString& source, const QString& target) {
+  const QByteArray from = ToNative(source);
+  struct stat st {};
+  if (::lstat(from.constData(), &st) != 0) return errno;
+  std::vector<char> text(size_t(st.st_size > 0 ? st.st_size : PATH_MAX) + 1);
+  const ssize_t n = ::readlink(from.constData(), text.data(), text.size());
+  if (n < 0) return errno;
+  if (size_t(n) >= text.size()) return ENAMETOOLONG;
+  text[size_t(n)] = 0;
+  const QByteArray to = ToNative(target);
+  if (::symlink(text.data(), to.constData()) != 0) return errno;
+  const struct timespec times[2] = {st.st_atim, st.st_mtim};
+  ::utimensat(AT_FDCWD, to.constData(), times, AT_SYMLINK_NOFOLLOW);  // not every file system keeps link times
+  return 0;
+}
+
+int FileCopier::CopyFifo(const QString& source, const QString& target) {
+  struct stat st {};
+  if (::lstat(ToNative(source).constData(), &st) != 0) return errno;
+  const QByteArray to = ToNative(target);
+  if (::mkfifo(to.constData(), st.st_mode & 07777) != 0) return errno;
+  const struct timespec times[2] = {st.st_atim, st.st_mtim};
+  ::utimensat(AT_FDCWD, to.constData(), times, AT_SYMLINK_NOFOLLOW);
+  return 0;
+}
+
+int FileCopier::MakeFolder(const QString& path, quint32 mode) {
+  if (::mkdir(ToNative(path).constData(), mode_t(mode)) != 0) return errno;
+  return 0;
+}
+
+int FileCopier::CopyFolderMeta(const QString& source, const QString& target) {
+  struct stat st {};
+  if (::lstat(ToNative(source).constData(), &st) != 0) return errno;
+  const QByteArray to = ToNative(target);
+  if (::chmod(to.constData(), st.st_mode & 07777) != 0) return errno;
+  const struct timespec times[2] = {st.st_atim, st.st_mtim};
+  if (::utimensat(AT_FDCWD, to.constData(), times, 0) != 0) return errno;
+  return 0;
+}
+
+int FileCopier::RenameReplace(const QString& from, const QString& target) {
+  if (::rename(ToNative(from).constData(), ToNative(target).constData()) != 0) return errno;
+  return 0;
+}
+
+int FileCopier::RemoveFile(const QString& path) {
+  if (::unlink(ToNative(path).constData()) != 0) return errno;
+  return 0;
+}
+
+int FileCopier::RemoveFolder(const QString& path) {
+  if (::rmdir(ToNative(path).constData()) != 0) return errno;
+  return 0;
+}
+
+int FileCopier::RemoveTree(const QString& path) {
+  const NodeInfo info = Stat(path);
+  if (info.kind == NodeInfo::kMissing) return info.error ? info.error : ENOENT;
+  if (info.kind != NodeInfo::kFolder) return RemoveFile(path);
+  QStringList names;
+  if (const int error = ListNames(path, &names)) return error;
+  const QString prefix = WithSeparator(path);
+  for (const QString& name : names)
+    if (const int error = RemoveTree(prefix + name)) return error;
+  return RemoveFolder(path);
+}
+
+int FileCopier::ListNames(const QString& folder, QStringList* names) {
+  DIR* dir = ::opendir(ToNative(folder).constData());
+  if (!dir) return errno;
+  errno = 0;
+  while (const dirent* entry = ::readdir(dir)) {
+    const char* n = entry->d_name;
+    if (n[0] == '.' && (n[1] == 0 || (n[1] == '.' && n[2] == 0))) continue;
+    names->append(FromNative(n, qsizetype(strlen(n))));
+  }
+  const int error = errno;
+  ::closedir(dir);
+  return error;
+}
+
+bool FileCopier::SameFileSystem(const QString& a, const QString& b) {
+  struct stat sa {}, sb {};
+  if (::lstat(ToNative(a).constData(), &sa) != 0 || ::stat(ToNative(b).constData(), &sb) != 0) return false;
+  return sa.st_dev == sb.st_dev;
+}
+
+QString FileCopier::RealPath(const QString& path) {
+  char* resolved = ::realpath(ToNative(path).constData(), nullptr);
+  if (!resolved) return QString();
+  const QString out = FromNative(resolved, qsizetype(strlen(resolved)));
+  ::free(resolved);
+  return out;
+}
+
+int FileCopier::SetModifiedTime(const QString& path, qint64 mtimeNs) {
+  const struct timespec times[2] = {{0, UTIME_OMIT}, {time_t(mtimeNs / 1000000000), long(mtimeNs % 1000000000)}};
+  if (::utimensat(AT_FDCWD, ToNative(path).constData(), times, AT_SYMLINK_NOFOLLOW) != 0) return errno;
+  return 0;
+}
+
+}  // namespace platform

@@ -1,0 +1,63 @@
+#pragma once
+#include <QString>
+#include <QStringList>
+#include <QtGlobal>
+#include <functional>
+
+namespace platform {
+
+// What a path names, as lstat sees it (links are never followed).
+struct NodeInfo {
+  enum Kind { kMissing, kFile, kFolder, kLink, kFifo, kDevice, kSocket };
+  Kind kind = kMissing;
+  quint64 device = 0;
+  quint64 inode = 0;
+  qint64 size = 0;
+  qint64 mtimeNs = 0;  // nanoseconds since 1970
+  quint32 mode = 0;    // permission bits
+  int error = 0;       // errno when kind is kMissing for a reason other than ENOENT
+};
+
+// The operating-system side of copying: data, links, FIFOs, folders, times
+// and permissions, and the removals a move needs. Every function returns 0
+// or an errno value; the policy (names, conflicts, logs) lives above.
+class FileCopier {
+ public:
+  // Called between blocks with the bytes written so far; false stops the copy.
+  using BlockHook = std::function<bool(qint64 done)>;
+
+  static NodeInfo Stat(const QString& path);
+
+  // Copies a regular file's bytes to `target`, which must not exist (created
+  // exclusively), then its permissions and times. Uses copy_file_range where
+  // the kernel offers it. On any failure or a stop the partial target is
+  // removed. ECANCELED when the hook stopped it; ESTALE when the source
+  // changed (size or time) while it was read.
+  static int CopyFile(const QString& source, const QString& target, qint64 blockSize, const BlockHook& hook);
+  // Recreates a symbolic link (its text, never its target) and its times.
+  static int CopyLink(const QString& source, const QString& target);
+  // Recreates a FIFO with the source's permissions; never opens it.
+  static int CopyFifo(const QString& source, const QString& target);
+  // Creates a folder (user-writable until its contents are in; see CopyFolderMeta).
+  static int MakeFolder(const QString& path, quint32 mode = 0777);
+  // Gives `target` the permissions and times of folder `source`.
+  static int CopyFolderMeta(const QString& source, const QString& target);
+
+  // Replaces `target` with `from` (rename onto it): only for a chosen overwrite.
+  static int RenameReplace(const QString& from, const QString& target);
+  static int RemoveFile(const QString& path);    // unlink (files, links, FIFOs)
+  static int RemoveFolder(const QString& path);  // rmdir (empty)
+  // Removes a tree without following links; stops at the first failure.
+  static int RemoveTree(const QString& path);
+
+  // The names in a folder, "." and ".." left out, in directory order.
+  static int ListNames(const QString& folder, QStringList* names);
+  // True when both paths lie on one file system.
+  static bool SameFileSystem(const QString& a, const QString& b);
+  // The path with every link and "." or ".." resolved; empty when it cannot be.
+  static QString RealPath(const QString& path);
+  // Sets a file's modification time (nanoseconds since 1970), for tests and backups.
+  static int SetModifiedTime(const QString& path, qint64 mtimeNs);
+};
+
+}  // namespace platform
