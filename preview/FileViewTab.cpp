@@ -33,6 +33,15 @@ QFont MonospaceFont(const QString& family) {
   f.setStyleHint(QFont::TypeWriter);
   f.setFixedPitch(true);
   if (!QFontInfo(f).fixedPitch()) f = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+  // Some systems' "monospace" has wide glyphs and counts as proportional.
+  if (!QFontInfo(f).fixedPitch()) {
+    const QStringList families = QFontDatabase::families();
+    for (const QString& family : families)
+      if (QFontDatabase::isFixedPitch(family)) {
+        f.setFamily(family);
+        break;
+      }
+  }
   return f;
 }
 
