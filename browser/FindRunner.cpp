@@ -4,6 +4,7 @@
 #include <QScrollArea>
 
 #include "browser/CTabCtrl.h"
+#include "browser/CRellTree.h"
 #include "browser/UiYield.h"
 #include "browser/frmMain.h"
 #include "browser/list/CRellList.h"
@@ -55,6 +56,9 @@ class WindowFindSink : public find::FindSink {
   bool finished_ = false;
 };
 
+// The tree's root; as "Look in" it stands for every volume.
+const QString kRootName = QStringLiteral("Computer");
+
 QStringList DriveRoots() {
   QStringList roots;
   for (const platform::Volume& v : platform::MountedVolumes()) roots << v.root;
@@ -72,6 +76,8 @@ FindRunner::FindRunner(frmMain* window) : QObject(window), window_(window), tab_
   scroll->setWidget(tab_);
   window->tabs()->SetPage(CTabCtrl::kTabFind, scroll);
   connect(tab_, &find::FindFilesTab::findRequested, this, [this] { RunFind(); });
+  connect(window->tree(), &CRellTree::FolderSelected, tab_,
+          [this](const QString& folder) { tab_->followFolder(folder.isEmpty() ? kRootName : folder); });
   window->SetAutoFindHandler([this](const QString& folder) { RunFind(folder); });
   connect(window->list(), &CRellList::FileSelected, this, [this](const QString& path, bool) {
     platform::DirEntry e;
@@ -92,8 +98,7 @@ bool FindRunner::RunFind(const QString& folder) {
   find::CriteriaMessage message;
   // The drives are asked only when "Look in" names the tree's root: a volume
   // that does not answer must not hold up every other find.
-  const QString rootName = QStringLiteral("Computer");
-  const find::LookInRoot root{rootName, values.lookIn == rootName ? DriveRoots() : QStringList()};
+  const find::LookInRoot root{kRootName, values.lookIn == kRootName ? DriveRoots() : QStringList()};
   if (!find::BuildCriteria(values, {values.lookIn}, root, &criteria, &message)) {
     if (message.icon == find::CriteriaMessage::kInformation)
       QMessageBox::information(window_, QStringLiteral("Quorvane"), message.text);
@@ -104,6 +109,7 @@ bool FindRunner::RunFind(const QString& folder) {
   const QString findText = values.named.isEmpty() ? QStringLiteral("*.*") : values.named;
   window_->setWindowTitle(QStringLiteral("Quorvane - ") + platform::DisplayText(values.lookIn) +
                           QStringLiteral(" - Find: ") + findText);
+  tab_->lookInUsed();
   window_->SwitchMode(core::kModeFind);
   window_->list()->model().setFoundNoun(QStringLiteral("file"));
   WindowFindSink sink(window_);

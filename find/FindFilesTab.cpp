@@ -91,6 +91,9 @@ QGroupBox* FindFilesTab::buildNameGroup() {
   cboLookIn = Named(new QComboBox, QStringLiteral("cboLookIn"));
   cboLookIn->setEditable(true);
   cboLookIn->setInsertPolicy(QComboBox::NoInsert);
+  // Only the user's own gestures count as a choice, not followFolder().
+  connect(cboLookIn->lineEdit(), &QLineEdit::textEdited, this, [this] { lookInChosen_ = true; });
+  connect(cboLookIn, &QComboBox::activated, this, [this] { lookInChosen_ = true; });
   grid->addWidget(Buddy("&Named:", cboNamed), 0, 0);
   grid->addWidget(cboNamed, 0, 1);
   grid->addWidget(Buddy("&Look in:", cboLookIn), 1, 0);
@@ -344,6 +347,10 @@ void FindFilesTab::setLookInItems(const QStringList& items) {
   cboLookIn->clear();
   cboLookIn->addItems(items);
   cboLookIn->setCurrentText(text);
+}
+
+void FindFilesTab::followFolder(const QString& folder) {
+  if (!lookInChosen_ && !folder.isEmpty()) cboLookIn->setCurrentText(folder);
 }
 
 void FindFilesTab::setCurrentEntry(const QString& name, qint64 created, qint64 modified, qint64 accessed) {

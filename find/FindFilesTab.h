@@ -42,6 +42,10 @@ class FindFilesTab : public QWidget {
 
   // Entries offered in the Look in list (the drives, recent folders).
   void setLookInItems(const QStringList& items);
+  // The folder the user browsed to. "Look in" takes it unless the user typed
+  // or chose a location there since the last find (lookInUsed() resets that).
+  void followFolder(const QString& folder);
+  void lookInUsed() { lookInChosen_ = false; }
   // The focused list entry, for the "Like" and "Similar to" date filters:
   // its name and three file times (0 where unknown).
   void setCurrentEntry(const QString& name, qint64 created, qint64 modified, qint64 accessed);
@@ -86,6 +90,7 @@ class FindFilesTab : public QWidget {
   QPushButton* cmdFindStop = nullptr;
 
   QString entryName_;
+  bool lookInChosen_ = false;
   std::array<qint64, 3> entryTimes_{};  // created, modified, accessed
 };
 

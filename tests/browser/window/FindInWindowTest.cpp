@@ -13,6 +13,7 @@
 #include <QTest>
 #include <QTimer>
 
+#include "browser/CRellTree.h"
 #include "browser/frmMain.h"
 #include "browser/list/CRellList.h"
 #include "browser/list/ListPrinter.h"
@@ -105,6 +106,29 @@ class FindInWindowTest : public QObject {
     const QStringList expected = Rows(QString::fromUtf8(cli.readAllStandardOutput()));
     QVERIFY(!expected.isEmpty());
     QCOMPARE(Rows(WindowRows(w)), expected);
+  }
+
+  // "Look in" takes the browsed folder until the user types there; the next
+  // find hands it back to the browsing.
+  void lookInFollowsBrowsing() {
+    frmMain w(frmMain::StartOptions{dir_.path() + QStringLiteral("/q3.ini"), tree_, false});
+    w.Load();
+    w.show();
+    w.ShowStartFolder();
+    auto* lookIn = w.findChild<QComboBox*>(QStringLiteral("cboLookIn"));
+    const QString sub = tree_ + QStringLiteral("sub/"), other = tree_ + QStringLiteral("other/");
+    QVERIFY(w.tree()->SelectPath(sub));
+    QCOMPARE(lookIn->currentText(), sub);
+    lookIn->lineEdit()->clear();
+    QTest::keyClicks(lookIn->lineEdit(), tree_);
+    QVERIFY(w.tree()->SelectPath(other));
+    QCOMPARE(lookIn->currentText(), tree_);
+    QTest::mouseClick(w.findChild<QPushButton*>(QStringLiteral("cmdFind")), Qt::LeftButton);
+    QTRY_VERIFY(!core::JobFlags::Busy());
+    QVERIFY(w.tree()->SelectPath(sub));
+    QCOMPARE(lookIn->currentText(), sub);
+    QVERIFY(w.tree()->SelectPath(QString()));
+    QCOMPARE(lookIn->currentText(), QStringLiteral("Computer"));
   }
 
   void refusedCriteriaChangeNothing() {
