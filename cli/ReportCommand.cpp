@@ -79,7 +79,7 @@ bool ParseSeparator(const QString& text, report::ListExportOptions* o) {
       o->separator = i;
       return true;
     }
-  if (text.isEmpty()) return false;
+  if (!report::ListExport::OwnSeparatorUsable(text)) return false;
   o->separator = report::ListExportOptions::kOwn;
   o->ownSeparator = text;
   return true;
@@ -190,7 +190,7 @@ int RunListReport(CliContext& ctx, const QStringList& args) {
   }
   report::ListExportOptions o;
   if (p.isSet(QStringLiteral("sep")) && !ParseSeparator(p.value(QStringLiteral("sep")), &o)) {
-    ctx.err << "quorvane report list: --sep takes tab, semicolon, comma, fixed or a separator text\n";
+    ctx.err << "quorvane report list: --sep takes tab, semicolon, comma, fixed or a separator text without quotes or line ends\n";
     return kExitUsage;
   }
   o.headers = !p.isSet(QStringLiteral("no-header"));

@@ -15,10 +15,13 @@ constexpr qsizetype kChunk = 1 << 16;
 constexpr int kYieldEvery = 512;
 constexpr QStringView kFixedGap = u"  ";
 
+// A field holding any character of the separator is quoted too: with a
+// separator of several characters ("::") a field ":" would otherwise run
+// into its neighbour.
 bool NeedsQuotes(QStringView field, QStringView separator) {
   for (QChar c : field)
-    if (c == u'"' || c == u'\r' || c == u'\n') return true;
-  return !separator.isEmpty() && field.contains(separator);
+    if (c == u'"' || c == u'\r' || c == u'\n' || separator.contains(c)) return true;
+  return false;
 }
 
 // Head lines come as the criteria text gives them (CR LF); each becomes one line.
@@ -36,12 +39,16 @@ QStringList HeadLines(const ListExportOptions& o) {
 
 }  // namespace
 
+bool ListExport::OwnSeparatorUsable(const QString& own) {
+  return !own.isEmpty() && !own.contains(u'"') && !own.contains(u'\r') && !own.contains(u'\n');
+}
+
 QString ListExport::SeparatorText(int separator, const QString& own) {
   switch (separator) {
     case ListExportOptions::kSemicolon: return QStringLiteral(";");
     case ListExportOptions::kComma: return QStringLiteral(",");
     case ListExportOptions::kFixed: return kFixedGap.toString();
-    case ListExportOptions::kOwn: return own.isEmpty() ? QStringLiteral("\t") : own;
+    case ListExportOptions::kOwn: return OwnSeparatorUsable(own) ? own : QStringLiteral("\t");
     default: return QStringLiteral("\t");
   }
 }

@@ -22,8 +22,8 @@ struct ListExportOptions {
 };
 
 // Writes a list as it shows: the visible columns in display order, every row
-// or only the selected ones. With a separator, a field that holds the
-// separator, a double quote, a carriage return or a line feed is enclosed in
+// or only the selected ones. With a separator, a field that holds a
+// character of the separator, a double quote, a carriage return or a line feed is enclosed in
 // double quotes with its quotes doubled, so a spreadsheet reads it whole
 // (comma-separated output follows RFC 4180). Fixed-width output pads each
 // column to its widest cell, numbers to the right, and escapes control
@@ -33,7 +33,10 @@ class ListExport {
  public:
   static ReportResult Run(const browser::ListModel& model, const ListExportOptions& options, ReportSink& sink);
 
-  // The separator text of a choice; the own one falls back to a tab when empty.
+  // An own separator must not be empty nor hold a quote or a line end, which
+  // quoting could not tell apart.
+  static bool OwnSeparatorUsable(const QString& own);
+  // The separator text of a choice; an unusable own one falls back to a tab.
   static QString SeparatorText(int separator, const QString& own);
   // Appends one field, quoted when it needs it.
   static void AppendQuoted(QString* out, QStringView field, QStringView separator);

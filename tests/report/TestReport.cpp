@@ -203,6 +203,9 @@ class TestReport : public QObject {
         << "Location(s)\n\" /x;y\"\nResults: 3 objects\n\nName;Size\nfile1.txt;10\n\"new\nline\";1\ntab\tname;3\n";
     QTest::newRow("own separator") << 4 << " | " << true << true << ""
                                    << "Name | Size\nfile1.txt | 10\n\"new\nline\" | 1\ntab\tname | 3\n";
+    QTest::newRow("own separator's characters quoted") << 4 << "a" << true << true << ""
+                                                       << "\"Name\"aSize\nfile1.txta10\n\"new\nline\"a1\n\"tab\tname\"a3\n";
+    QTest::newRow("a quote is no separator") << 4 << "\"" << false << true << "" << "file1.txt\t10\n\"new\nline\"\t1\n\"tab\tname\"\t3\n";
     QTest::newRow("empty own separator is a tab") << 4 << "" << false << true << "" << "file1.txt\t10\n\"new\nline\"\t1\n\"tab\tname\"\t3\n";
     QTest::newRow("fixed width, escaped, numbers right")
         << 3 << "" << true << true << "Date: 1/2/2025 10:00:00\r\n"
