@@ -130,7 +130,7 @@ ReportRunner::Job ReportRunner::MakeJob(bool list, QString* title) {
 void ReportRunner::Output(bool list, int target) {
   StatusLine* status = window_->statusLine();
   if (core::JobFlags::Busy()) {
-    status->ShowStatus(QStringLiteral("Wait until the list is filled."));
+    status->ShowStatus(QStringLiteral("Wait until the running job has ended."));
     return;
   }
   QString title;

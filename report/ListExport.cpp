@@ -76,6 +76,14 @@ QString ListExport::DateLine(qint64 fileTimeNow) {
 
 ReportResult ListExport::Run(const browser::ListModel& model, const ListExportOptions& o, ReportSink& sink) {
   core::JobFlags::ClearAbort();
+  // Busy, so that a folder picked meanwhile waits instead of refilling the list under us.
+  core::JobFlags::SetBusy(true);
+  const ReportResult result = Write(model, o, sink);
+  core::JobFlags::SetBusy(false);
+  return result;
+}
+
+ReportResult ListExport::Write(const browser::ListModel& model, const ListExportOptions& o, ReportSink& sink) {
   const bool fixed = o.separator == ListExportOptions::kFixed;
   const QString separator = SeparatorText(o.separator, o.ownSeparator);
   const std::vector<int> columns = model.columns().visibleInOrder();

@@ -42,6 +42,9 @@ class ListExport {
   static void AppendQuoted(QString* out, QStringView field, QStringView separator);
   // The date line: "Date: " and the date and time as the folder report writes them.
   static QString DateLine(qint64 fileTimeNow);
+
+ private:
+  static ReportResult Write(const browser::ListModel& model, const ListExportOptions& options, ReportSink& sink);
 };
 
 }  // namespace report

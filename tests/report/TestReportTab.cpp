@@ -4,6 +4,7 @@
 #include <QCheckBox>
 #include <QClipboard>
 #include <QDir>
+#include <QPrinter>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QRegularExpression>
@@ -17,6 +18,7 @@
 #include "report/ReportFolderPage.h"
 #include "report/ReportListPage.h"
 #include "report/ReportOutputBar.h"
+#include "report/ReportPrinter.h"
 #include "tests/TestSupport.h"
 
 using browser::frmMain;
@@ -87,6 +89,13 @@ class TestReportTab : public QObject {
     QCOMPARE(csv.size(), 3);
     QVERIFY2(csv[1].startsWith(QStringLiteral("\"a, b.txt\",txt,")), qPrintable(csv[1]));
     QCOMPARE(w.settings().report.file, QStringLiteral("list.csv"));
+
+    // The printer takes the same text; print to PDF needs no printer.
+    QPrinter printer(QPrinter::HighResolution);
+    printer.setOutputFormat(QPrinter::PdfFormat);
+    printer.setOutputFileName(out + "report.pdf");
+    report::ReportPrinter::Print(dump, QStringLiteral("Report"), &printer);
+    QVERIFY(ReadAll(out + "report.pdf").startsWith(QStringLiteral("%PDF")));
 
     // Copy Info of the selection.
     w.findChild<QAction*>("menCopyInfo")->trigger();
