@@ -24,14 +24,14 @@ ReportListPage::ReportListPage(core::AppSettings::Report* report, core::AppSetti
     return box;
   };
   chkIncludeHeaders = check("chkIncludeHeaders", tr("Include column &headers"), &core::AppSettings::Report::includeHeaders, 0);
-  chkInclSpecs = check("chkInclSpecs", tr("Include find s&pecs"), &core::AppSettings::Report::inclSpecs, 1);
+  chkInclSpecs = check("chkInclSpecs", tr("Include find sp&ecs"), &core::AppSettings::Report::inclSpecs, 1);
   chkCopyOnlySel = check("chkCopyOnlySel", tr("&Selected rows only"), &core::AppSettings::Report::copyOnlySel, 2);
   chkInclDate = check("chkInclDate", tr("Include the &date"), &core::AppSettings::Report::inclDate, 3);
 
   auto* group = new QGroupBox(tr("Field separator"));
   auto* seps = new QGridLayout(group);
   static const char* const kCaptions[5] = {QT_TR_NOOP("&Tab"), QT_TR_NOOP("Se&micolon ;"), QT_TR_NOOP("C&omma ,"),
-                                           QT_TR_NOOP("F&ixed width"), QT_TR_NOOP("O&ther:")};
+                                           QT_TR_NOOP("F&ixed width"), QT_TR_NOOP("Othe&r:")};
   for (int i = 0; i < 5; ++i) {
     optSep[i] = new QRadioButton(tr(kCaptions[i]));
     optSep[i]->setObjectName(QStringLiteral("optSep%1").arg(i));
