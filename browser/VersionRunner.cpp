@@ -2,17 +2,15 @@
 
 #include <QApplication>
 #include <QClipboard>
-#include <QFileInfo>
-#include <QLocale>
 #include <QScrollArea>
 
 #include "browser/CTabCtrl.h"
 #include "browser/StatusLine.h"
 #include "browser/frmMain.h"
 #include "browser/list/CRellList.h"
-#include "core/NumberFormat.h"
 #include "fileinfo/VersionTab.h"
 #include "fileinfo/modVerStringInfo.h"
+#include "report/FileInfoText.h"
 
 namespace browser {
 
@@ -39,21 +37,11 @@ VersionRunner::VersionRunner(frmMain* window) : QObject(window), window_(window)
 
 void VersionRunner::Refresh(const QString& file) { tab_->ShowFile(file, window_->settings().report.optRepFver); }
 
-// Until the report's file info texts exist: name, size, modified time and
-// file version; the extended text adds every line of the tab.
+// The report's file info texts for the file the tab shows.
 void VersionRunner::Copy(int index) {
-  const fileinfo::VersionDisplay& d = tab_->display();
-  const QFileInfo info(tab_->file());
-  QString text = info.fileName() + u'\t' + core::LocaleNumber(double(info.size())) + QStringLiteral(" bytes\t") +
-                 QLocale().toString(info.lastModified(), QLocale::ShortFormat);
-  const QString version = d.version(window_->settings().report.optRepFver);
-  if (!version.isEmpty()) text += QStringLiteral("\tver ") + version;
-  text += u'\n';
-  if (index == 1) {
-    for (int label = 10; label < 18; ++label)
-      text += fileinfo::VersionDisplay::Caption(label) + u' ' + d.label(label) + u'\n';
-    for (const auto& item : d.items) text += item.text + QStringLiteral(" = ") + d.values.value(item.index) + u'\n';
-  }
+  const QStringList paths{tab_->file()};
+  const bool fixed = window_->settings().report.optRepFver;
+  const QString text = index == 1 ? report::FileInfoText::Extended(paths, fixed) : report::FileInfoText::Compact(paths, fixed);
   QClipboard* clipboard = QApplication::clipboard();
   clipboard->clear();
   clipboard->setText(text);

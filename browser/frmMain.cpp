@@ -27,6 +27,7 @@
 #include "browser/FindRunner.h"
 #include "browser/VersionRunner.h"
 #include "browser/MediaRunner.h"
+#include "browser/ReportRunner.h"
 #include "browser/UiYield.h"
 #include "browser/list/CRellList.h"
 #include "core/DateStyles.h"
@@ -130,6 +131,7 @@ void frmMain::BuildUi() {
   new VersionRunner(this);
   new MediaRunner(this);
   new FileOpsRunner(this);
+  new ReportRunner(this);
 
   // Escape must reach the main window before any control (the window previews keys).
   qApp->installEventFilter(this);

@@ -11,6 +11,7 @@ int RunSettingsCommand(CliContext& ctx);
 int RunViewCommand(CliContext& ctx);
 int RunVersionCommand(CliContext& ctx);
 int RunMediaCommand(CliContext& ctx);
+int RunReportCommand(CliContext& ctx);
 
 // Each command lives in its own file and is listed here.
 
@@ -51,6 +52,12 @@ std::span<const Command> AllCommands() {
        "copy what is new or newer into DESTINATION, with a dated log beside it", RunBackupCommand},
       {"trash", "[--dry-run] [--for-good] PATH...", "move to the trash (--for-good: delete for good)",
        RunTrashCommand},
+      {"report",
+       "tree|dump|list [--recurse] [--versions] [--fixed] [--sep tab|semicolon|comma|fixed|TEXT] [--date] "
+       "[--no-specs] [list and find options] [--out FILE [--append] [--stamp]] FOLDER",
+       "a folder's tree or classic dump (with file versions), or the folder or a find's results as an exported "
+       "list; to standard output or a file written whole",
+       RunReportCommand},
       {"mkdir", "[--new-folder | --new-text-file | --structure-from SOURCE] FOLDER...",
        "make folders, a new folder or text file inside one, or a source's folder tree", RunMkdirCommand},
   };

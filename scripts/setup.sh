@@ -17,6 +17,7 @@ packages=(
 )
 bench_packages=(libbenchmark-dev hyperfine fd-find ripgrep bfs findutils grep)
 bench_packages+=(libimage-exiftool-perl)
+bench_packages+=(tree)
 fuzz_packages=(clang libclang-rt-14-dev)
 
 for arg in "$@"; do
