@@ -24,6 +24,7 @@
 #include "browser/StatusLine.h"
 #include "browser/FileViewRunner.h"
 #include "browser/FileOpsRunner.h"
+#include "browser/RenameRunner.h"
 #include "browser/FindRunner.h"
 #include "browser/VersionRunner.h"
 #include "browser/MediaRunner.h"
@@ -130,6 +131,7 @@ void frmMain::BuildUi() {
   new VersionRunner(this);
   new MediaRunner(this);
   new FileOpsRunner(this);
+  new RenameRunner(this);
 
   // Escape must reach the main window before any control (the window previews keys).
   qApp->installEventFilter(this);
