@@ -1,6 +1,7 @@
 // quorvane rename: the batch renamer of the File menu without the window.
 #include <QDateTime>
 #include <QDir>
+#include <csignal>
 
 #include "cli/ArgParser.h"
 #include "cli/CliContext.h"
@@ -28,6 +29,9 @@ void PrintChange(QTextStream& out, const RenameItem& item) {
 void PrintRefusal(QTextStream& err, const RenameItem& item) {
   err << core::RowField(item.oldPath()) << ": " << item.refusal << '\n';
 }
+
+// Ctrl+C stops between entries, so that every rename done is in the log.
+void OnInterrupt(int) { core::JobFlags::RequestAbort(); }
 
 // Relative to the working folder, "." and ".." resolved, links left alone.
 QString Absolute(const QString& path) { return QDir::cleanPath(QDir::current().absoluteFilePath(path)); }
@@ -85,7 +89,9 @@ int RunRenameCommand(CliContext& ctx) {
   } else {
     RenameLog log(logPath, QDateTime::currentDateTime());
     core::JobFlags::ClearAbort();
-    result = RenameSpecial::Run(&items, &log, nullptr, nullptr);
+    const auto previous = std::signal(SIGINT, OnInterrupt);
+    result = RenameSpecial::Run(&items, &log, nullptr, &core::JobFlags::AbortFlag());
+    std::signal(SIGINT, previous);
   }
   for (const RenameItem& item : items) {
     if (!item.refusal.isEmpty()) PrintRefusal(ctx.err, item);
@@ -93,12 +99,12 @@ int RunRenameCommand(CliContext& ctx) {
   }
   const qsizetype changed = dryRun ? qsizetype(items.size()) - result.refused : result.renamed;
   ctx.err << QStringLiteral("%1 %2, %3 refused.").arg(changed).arg(dryRun ? "to rename" : "renamed").arg(result.refused)
-          << '\n';
+          << (result.stopped ? " Stopped." : "") << '\n';
   if (!dryRun && result.renamed > 0) {
     if (result.logError.isEmpty()) ctx.err << "Undo log: " << core::RowField(logPath) << '\n';
     else ctx.err << "The undo log could not be written: " << result.logError << '\n';
   }
-  return result.refused > 0 ? kExitFailed : kExitOk;
+  return result.refused > 0 || result.stopped ? kExitFailed : kExitOk;
 }
 
 }  // namespace cli
