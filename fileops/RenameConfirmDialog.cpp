@@ -10,6 +10,21 @@
 
 namespace fileops {
 
+namespace {
+
+// One entry a line: control characters in a name show as their pictures
+// (a tab as U+2409), so that no name spreads over two lines.
+QString Shown(const QString& name) {
+  QString out = platform::DisplayText(name);
+  for (QChar& c : out) {
+    if (c.unicode() < 0x20) c = QChar(char16_t(0x2400 + c.unicode()));
+    else if (c.unicode() == 0x7F) c = QChar(char16_t(0x2421));
+  }
+  return out;
+}
+
+}  // namespace
+
 RenameConfirmDialog::RenameConfirmDialog(const QString& caption, const std::vector<RenameItem>& items, QWidget* parent)
     : QDialog(parent) {
   setObjectName(QStringLiteral("frmRenameConfirm"));
@@ -20,12 +35,12 @@ RenameConfirmDialog::RenameConfirmDialog(const QString& caption, const std::vect
   bool oneFolder = true;
   for (const RenameItem& item : items) oneFolder = oneFolder && item.folder == items.front().folder;
   for (const RenameItem& item : items) {
-    const QString from = platform::DisplayText(oneFolder ? item.oldName : item.oldPath());
-    if (item.refusal.isEmpty()) lines << from + QStringLiteral(" => ") + platform::DisplayText(item.newName);
+    const QString from = Shown(oneFolder ? item.oldName : item.oldPath());
+    if (item.refusal.isEmpty()) lines << from + QStringLiteral(" => ") + Shown(item.newName);
     else refused << from + QStringLiteral(": ") + item.refusal;
   }
   QString head = lines.size() == 1 ? QStringLiteral("1 name will change") : QStringLiteral("%1 names will change").arg(lines.size());
-  if (oneFolder && !items.empty()) head += QStringLiteral(" in ") + platform::DisplayText(items.front().folder);
+  if (oneFolder && !items.empty()) head += QStringLiteral(" in ") + Shown(items.front().folder);
   head += u':';
   if (!refused.isEmpty()) {
     lines << QString() << QStringLiteral("Not renamed:") << refused;

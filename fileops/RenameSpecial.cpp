@@ -126,10 +126,12 @@ std::vector<RenameItem> RenameSpecial::Plan(RenameHow how, const QStringList& pa
     item.newName = NewName(how, item.oldName, alias);
     if (item.newName.isEmpty() || item.newName == item.oldName) continue;
     if (item.oldName == u"." || item.oldName == u"..") continue;
+    // A name that cannot be given is known now, before anyone is asked.
+    item.refusal = CheckName(item.oldName, item.newName);
     const QString target = item.newPath();
-    if (given.contains(target))
+    if (item.refusal.isEmpty() && given.contains(target))
       item.refusal = QStringLiteral("Another selected entry gets the name %1 first.").arg(Shown(item.newName));
-    else
+    else if (item.refusal.isEmpty())
       given.insert(target);
     items.push_back(std::move(item));
   }
