@@ -112,6 +112,8 @@ class TestRenameSpecial : public QObject {
                                     << 1;
     QTest::newRow("raw bytes kept") << QStringList{N("x\xe9y.txt")} << QStringList{N("x\xe9y.txt")} << 2
                                     << "X\\xE9Y.TXT" << 0;
+    QTest::newRow("no short names off vfat") << QStringList{"Long file name.text"} << QStringList{"Long file name.text"}
+                                             << 6 << "Long file name.text" << 0;
     QTest::newRow("unchanged skipped") << QStringList{"ABC"} << QStringList{"ABC", ".", ".."} << 2 << "ABC" << 0;
   }
   void run() {
