@@ -5,6 +5,7 @@
 #include <QSaveFile>
 #include <QTimer>
 #include <cstdio>
+#include <cstring>
 
 #include "browser/frmMain.h"
 #include "cli/Cli.h"
@@ -68,7 +69,8 @@ bool SaveScreenshot(QWidget* window, const QString& path, QString* error) {
 int main(int argc, char** argv) {
   preview::MciDevice::UseGStreamerBackend();
   QStringList args;
-  for (int i = 1; i < argc; ++i) args.append(QString::fromLocal8Bit(argv[i]));
+  // Arguments are bytes, like file names: those that are not UTF-8 must still name the right file.
+  for (int i = 1; i < argc; ++i) args.append(platform::FromNative(argv[i], qsizetype(strlen(argv[i]))));
 
   if (cli::IsCliInvocation(args)) {
     QCoreApplication app(argc, argv);

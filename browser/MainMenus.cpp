@@ -63,7 +63,7 @@ MainMenus::MainMenus(QMenuBar* bar, QObject* parent) : QObject(parent), bar_(bar
   menRenSpecial = AddMenu(menFile, QStringLiteral("R&ename Special"), "menRenSpecial");
   for (QAction* a : AddChoices(menRenSpecial, QString::fromLatin1(kRenameCaptions), QStringLiteral("menRenSpecial"), nullptr)) {
     a->setCheckable(false);
-    a->setEnabled(false);  // the batch renamer is not part of this build yet
+    a->setEnabled(false);  // until the renamer is connected (RenameRunner)
   }
   menCopyTo = AddMenu(menFile, QStringLiteral("Copy To"), "menCopyTo");
   menMoveTo = AddMenu(menFile, QStringLiteral("Move To"), "menMoveTo");

@@ -24,6 +24,7 @@
 #include "browser/StatusLine.h"
 #include "browser/FileViewRunner.h"
 #include "browser/FileOpsRunner.h"
+#include "browser/RenameRunner.h"
 #include "browser/FindRunner.h"
 #include "browser/VersionRunner.h"
 #include "browser/MediaRunner.h"
@@ -132,6 +133,7 @@ void frmMain::BuildUi() {
   new MediaRunner(this);
   new FileOpsRunner(this);
   new ReportRunner(this);
+  new RenameRunner(this);
 
   // Escape must reach the main window before any control (the window previews keys).
   qApp->installEventFilter(this);

@@ -12,6 +12,7 @@ int RunViewCommand(CliContext& ctx);
 int RunVersionCommand(CliContext& ctx);
 int RunMediaCommand(CliContext& ctx);
 int RunReportCommand(CliContext& ctx);
+int RunRenameCommand(CliContext& ctx);
 
 // Each command lives in its own file and is listed here.
 
@@ -60,6 +61,10 @@ std::span<const Command> AllCommands() {
        RunReportCommand},
       {"mkdir", "[--new-folder | --new-text-file | --structure-from SOURCE] FOLDER...",
        "make folders, a new folder or text file inside one, or a source's folder tree", RunMkdirCommand},
+      {"rename", "--how proper|lower|upper|htm|underscore|umlauts|dos [--dry-run] PATH... | --undo LOG [--dry-run]",
+       "rename entries by a fixed transformation of their names, never onto an existing entry (\"old => new\" "
+       "per change; refusals on standard error); --undo puts back the last batch of an undo log",
+       RunRenameCommand},
   };
   return commands;
 }

@@ -11,6 +11,14 @@ void AppendHexByte(QString* out, unsigned byte) {
   out->append(QChar(kDigits[byte & 0xF]));
 }
 
+int HexDigit(QChar c) {
+  const char16_t u = c.unicode();
+  if (u >= u'0' && u <= u'9') return u - u'0';
+  if (u >= u'A' && u <= u'F') return u - u'A' + 10;
+  if (u >= u'a' && u <= u'f') return u - u'a' + 10;
+  return -1;
+}
+
 }  // namespace
 
 void AppendRowField(QString* out, QStringView text) {
@@ -37,6 +45,39 @@ QString RowField(QStringView text) {
   out.reserve(text.size());
   AppendRowField(&out, text);
   return out;
+}
+
+bool ParseRowField(QStringView field, QString* out) {
+  out->clear();
+  out->reserve(field.size());
+  for (qsizetype i = 0; i < field.size(); ++i) {
+    const QChar c = field[i];
+    if (c != u'\\') {
+      out->append(c);
+      continue;
+    }
+    if (++i >= field.size()) return false;
+    switch (field[i].unicode()) {
+      case u'\\': out->append(u'\\'); break;
+      case u't': out->append(u'\t'); break;
+      case u'n': out->append(u'\n'); break;
+      case u'r': out->append(u'\r'); break;
+      case u'x': {
+        if (i + 2 >= field.size()) return false;
+        const int high = HexDigit(field[i + 1]), low = HexDigit(field[i + 2]);
+        if (high < 0 || low < 0) return false;
+        const unsigned byte = unsigned(high * 16 + low);
+        i += 2;
+        // Control characters stand for themselves; high bytes for a raw byte of a name.
+        if (byte < 0x20 || byte == 0x7F) out->append(QChar(char16_t(byte)));
+        else if (byte >= 0x80) out->append(QChar(char16_t(0xDC00 + byte)));
+        else return false;
+        break;
+      }
+      default: return false;
+    }
+  }
+  return true;
 }
 
 }  // namespace core

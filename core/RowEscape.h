@@ -12,4 +12,8 @@ namespace core {
 void AppendRowField(QString* out, QStringView text);
 QString RowField(QStringView text);
 
+// The inverse: the exact text back from a field; false for an escape that
+// RowField never writes (the field is then not ours or was damaged).
+bool ParseRowField(QStringView field, QString* out);
+
 }  // namespace core

@@ -63,8 +63,11 @@ int RenameNoReplace(const QString& from, const QString& to) {
   if (lstat(nativeFrom.constData(), &a) != 0) return errno;
   const bool sameEntry = lstat(nativeTo.constData(), &b) == 0 && a.st_dev == b.st_dev && a.st_ino == b.st_ino;
   if (!sameEntry) return RenameNative(nativeFrom, nativeTo);
+  // The temporary name is short and in the same folder, so that a name near
+  // the length limit can change its case too.
+  const QByteArray folder = nativeFrom.left(nativeFrom.lastIndexOf('/') + 1);
   for (int attempt = 0; attempt < 100; ++attempt) {
-    const QByteArray temp = nativeFrom + ".~qv" + QByteArray::number(getpid()) + "_" + QByteArray::number(attempt);
+    const QByteArray temp = folder + ".~qv" + QByteArray::number(getpid()) + "_" + QByteArray::number(attempt);
     const int error = RenameNative(nativeFrom, temp);
     if (error == EEXIST) continue;
     if (error != 0) return error;
