@@ -16,7 +16,7 @@ packages=(
   binutils-mingw-w64 gcc-mingw-w64
 )
 bench_packages=(libbenchmark-dev hyperfine fd-find ripgrep bfs findutils grep)
-bench_packages+=(libimage-exiftool-perl)
+bench_packages+=(libimage-exiftool-perl rsync)
 bench_packages+=(tree)
 fuzz_packages=(clang libclang-rt-14-dev)
 
