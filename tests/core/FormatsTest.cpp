@@ -36,7 +36,7 @@ class FormatsTest : public QObject {
     QTEST(AttributeString(bits), "text");
   }
 
-  // Option -1: the flexible size with the byte count.
+  // Option -1: the flexible size with the byte count; -2: clusters of unknown size.
   void formatSize_data() {
     QTest::addColumn<double>("bytes");
     QTest::addColumn<int>("option");
@@ -73,14 +73,17 @@ class FormatsTest : public QObject {
     QTest::newRow("clusters 4096") << 4096.0 << 8 << "1";
     QTest::newRow("clusters 4097") << 4097.0 << 8 << "2";
     QTest::newRow("clusters overflow") << 3e9 << 8 << kOverflowText;
+    QTest::newRow("clusters of unknown size") << 10.0 << -2 << kDivisionByZeroText;
     QTest::newRow("option 9") << 1234.0 << 9 << "1,234";
     QTest::newRow("option 10") << 1234.0 << 10 << "1,234.00";
   }
   void formatSize() {
     QFETCH(double, bytes);
     QFETCH(int, option);
-    QTEST(option < 0 ? FlexibleSize(bytes, false, true) : FormatSize(bytes, option, 4096), "text");
-    QCOMPARE(FormatSize(10, 8, 0), QString::fromLatin1(kDivisionByZeroText));  // cluster size unknown
+    const bool unknownCluster = option == -2;
+    QTEST(option == -1 ? FlexibleSize(bytes, false, true)
+                       : FormatSize(bytes, unknownCluster ? 8 : option, unknownCluster ? 0 : 4096),
+          "text");
   }
 
   void numbers_data() {
