@@ -105,7 +105,8 @@ class TestFindFilesTab : public QObject {
     QTest::newRow("date") << "chkWatch2|optDate3|txtDate0=1/1/2024|txtDate1=1/2/2024 10:00:05 AM|chkRangeNot"
                           << QStringList{"--date-kind", "created-or-modified", "--date-from", "1/1/2024",
                                          "--date-to", "1/2/2024 10:00:05 AM", "--not"};
-    QTest::newRow("attributes") << "chkWatch4|chkAttrFind1|chkAttrFindNot0" << QStringList{"--attr", "h", "--not-attr", "R"};
+    QTest::newRow("attributes") << "chkWatch4|chkAttrFind1|chkAttrFindNot0"
+                                << QStringList{"--attr", "h", "--not-attr", "R"};
     QTest::newRow("hex text") << "chkWatch5|txtContText=4D 5A|chkHex|chkCaseSens"
                               << QStringList{"--containing", "4D 5A", "--hex", "--case"};
     QTest::newRow("text, folded") << "chkWatch5|txtContText+müller" << QStringList{"--containing", "müller"};

@@ -96,7 +96,8 @@ class TestFindJob : public QObject {
     const QString txt = "DOCS/c.txt,a.txt,b.txt,excl/g.txt,excl/inner/h.txt,nomatch/f.txt,sub/d.txt,sub/deep/e.txt";
     QTest::newRow("one extension in every folder") << "*.txt" << true << QByteArray() << txt
                                                    << 8;  // the root and its seven real subfolders, not the link
-    QTest::newRow("two patterns") << "*.doc;*x" << true << QByteArray() << "DOCS/x.doc,sub/deep/y.doc,two/bx,two/lx" << 8;
+    QTest::newRow("two patterns") << "*.doc;*x" << true << QByteArray() << "DOCS/x.doc,sub/deep/y.doc,two/bx,two/lx"
+                                  << 8;
     QTest::newRow("no subfolders") << "a.txt" << false << QByteArray() << "a.txt" << 1;
     QTest::newRow("nothing found") << "nothing-like-this" << true << QByteArray() << "" << 8;
     QTest::newRow("every name, text found") << "*.*" << true << QByteArray("DATA")

@@ -281,7 +281,8 @@ class TestMediaPreview : public QObject {
         << QStringList{"status wav samplespersec=22050", "status wav bitspersample=0", "status wav channels=1"}
         << QStringList{"open %1 type MPEGVideo alias wav ", "set wav time format milliseconds", "play wav "}
         << "Format: 22050 Hz, Mono" << "00:00  000ms";
-    QTest::newRow("midi") << "c.mid" << "" << QStringList{"status wav division type=PPQN", "status wav number of tracks=3"}
+    QTest::newRow("midi") << "c.mid" << ""
+                          << QStringList{"status wav division type=PPQN", "status wav number of tracks=3"}
                           << QStringList{"open %1 type sequencer alias wav ", "set wav time format milliseconds",
                                          "play wav "}
                           << "Format: PPQN, 3 tracks" << "00:00  000ms";

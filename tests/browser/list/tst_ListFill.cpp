@@ -178,7 +178,8 @@ class tst_ListFill : public QObject {
                                      << "quorvane list: --size-format takes a number from 0 to 8\n";
     QTest::newRow("bad column") << QStringList{"--sort", "Colour"} << 2 << ""
                                 << "quorvane list: --sort: no column 'Colour'\n";
-    QTest::newRow("no such folder") << QStringList{"@nothing-here"} << 2 << "" << "quorvane list: no such folder: @nothing-here\n";
+    QTest::newRow("no such folder") << QStringList{"@nothing-here"} << 2 << ""
+                                    << "quorvane list: no such folder: @nothing-here\n";
     QTest::newRow("a file") << QStringList{"@b.txt"} << 2 << "" << "quorvane list: not a folder: @b.txt\n";
     QTest::newRow("no folder") << QStringList{"--no-header", "@"} << 2 << "" << "quorvane list: give one FOLDER\n";
   }
