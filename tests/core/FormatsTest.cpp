@@ -21,283 +21,200 @@ class FormatsTest : public QObject {
   Q_OBJECT
  private Q_SLOTS:
   void initTestCase() { testsupport::PinLocale(); }
-  void attributeString_data();
-  void attributeString();
-  void flexibleSize_data();
-  void flexibleSize();
-  void formatSize_data();
-  void formatSize();
-  void roundedUpDivision_data();
-  void roundedUpDivision();
-  void numbers_data();
-  void numbers();
-  void widenYear_data();
-  void widenYear();
-  void fileTimeText_data();
-  void fileTimeText();
-  void driveTexts();
-  void driveSpaceText();
-  void otherLocaleSeparators();
-  void ageEpoch();
-  void ageText_data();
-  void ageText();
-  void rowField_data();
-  void rowField();
+
+  void attributeString_data() {
+    QTest::addColumn<quint32>("bits");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("none") << 0u << "--------";
+    QTest::newRow("read-only compressed") << 2049u << "R------C";
+    QTest::newRow("read-only archived folder") << 49u << "R--DA---";
+    QTest::newRow("bits outside the table") << (64u | 512u | 4096u) << "--------";
+    QTest::newRow("all") << 0xFFFFFFFFu << "RHSDANTC";
+  }
+  void attributeString() {
+    QFETCH(quint32, bits);
+    QTEST(AttributeString(bits), "text");
+  }
+
+  // Option -1: the flexible size with the byte count; -2: clusters of unknown size.
+  void formatSize_data() {
+    QTest::addColumn<double>("bytes");
+    QTest::addColumn<int>("option");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("raw") << 1234567.0 << 0 << "1234567";
+    QTest::newRow("raw 5 GB") << 5368709120.0 << 0 << "5368709120";
+    QTest::newRow("bytes") << 1234567.0 << 1 << "1,234,567";
+    QTest::newRow("KB rounded 0") << 0.0 << 2 << "0";
+    QTest::newRow("KB rounded 1") << 1.0 << 2 << "1";
+    QTest::newRow("KB rounded 1024") << 1024.0 << 2 << "1";
+    QTest::newRow("KB rounded 1025") << 1025.0 << 2 << "2";
+    QTest::newRow("KB rounded, half to even 0") << 0.5 << 2 << "0";
+    QTest::newRow("KB rounded, half to even 2") << 1.5 << 2 << "1";
+    QTest::newRow("KB rounded, 1024.5 to even") << 1024.5 << 2 << "1";
+    QTest::newRow("KB rounded, 1025.5 to even") << 1025.5 << 2 << "2";
+    QTest::newRow("KB rounded big") << 2147483647.0 << 2 << "2,097,152";
+    QTest::newRow("KB rounded overflow") << 2147483648.0 << 2 << kOverflowText;
+    QTest::newRow("KB rounded, 2^31 - 0.5 overflows") << 2147483647.5 << 2 << kOverflowText;
+    QTest::newRow("KB") << 1536.0 << 3 << "1.50";
+    QTest::newRow("MB") << 1048576.0 << 4 << "1.00";
+    QTest::newRow("GB") << 536870912.0 << 5 << "0.50";
+    QTest::newRow("flexible zero") << 0.0 << 6 << "0 bytes";
+    QTest::newRow("flexible 1023") << 1023.0 << 6 << "1,023 bytes";
+    QTest::newRow("flexible") << 2048.0 << 6 << "2.00KB";
+    QTest::newRow("flexible 1.5 MB") << 1572864.0 << 6 << "1.50MB";
+    QTest::newRow("flexible rounded 1024") << 1024.0 << 7 << "1KB";
+    QTest::newRow("flexible rounded") << 2049.0 << 7 << "3KB";
+    QTest::newRow("flexible rounded 1048575") << 1048575.0 << 7 << "1,024KB";
+    QTest::newRow("flexible rounded 1 MB") << 1048576.0 << 7 << "1.00MB";
+    QTest::newRow("flexible rounded 3 GB") << 3221225472.0 << 7 << "3.00GB";
+    QTest::newRow("500 with bytes") << 500.0 << -1 << "500 bytes";
+    QTest::newRow("4096 with bytes") << 4096.0 << -1 << "4.00KB (4,096 bytes)";
+    QTest::newRow("clusters 0") << 0.0 << 8 << "0";
+    QTest::newRow("clusters 4096") << 4096.0 << 8 << "1";
+    QTest::newRow("clusters 4097") << 4097.0 << 8 << "2";
+    QTest::newRow("clusters overflow") << 3e9 << 8 << kOverflowText;
+    QTest::newRow("clusters of unknown size") << 10.0 << -2 << kDivisionByZeroText;
+    QTest::newRow("option 9") << 1234.0 << 9 << "1,234";
+    QTest::newRow("option 10") << 1234.0 << 10 << "1,234.00";
+  }
+  void formatSize() {
+    QFETCH(double, bytes);
+    QFETCH(int, option);
+    const bool unknownCluster = option == -2;
+    QTEST(option == -1 ? FlexibleSize(bytes, false, true)
+                       : FormatSize(bytes, unknownCluster ? 8 : option, unknownCluster ? 0 : 4096),
+          "text");
+  }
+
+  void numbers_data() {
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<double>("value");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("#,0") << "#,0" << 1234567.0 << "1,234,567";
+    QTest::newRow("#,0 half even") << "#,0" << 2.5 << "2";
+    QTest::newRow("0") << "0" << 1234.0 << "1234";
+    QTest::newRow("00") << "00" << 7.0 << "07";
+    QTest::newRow("0000") << "0000" << 42.0 << "0042";
+    QTest::newRow("0.000") << "0.000" << 1.5 << "1.500";
+    QTest::newRow("#,0.00%") << "#,0.00%" << 12.3456 << "1,234.56%";
+    QTest::newRow("Standard") << "Standard" << 1234.5 << "1,234.50";
+    QTest::newRow("locale rounds the decimal text") << "locale" << 0.005 << "0.01";
+    QTest::newRow("locale tiny negative") << "locale" << -0.001 << "0.00";
+    QTest::newRow("locale negative") << "locale" << -1234.567 << "-1,234.57";
+    QTest::newRow("locale carries") << "locale" << 999.999 << "1,000.00";
+    QTest::newRow("locale exponent form") << "locale" << 1e20 << "100,000,000,000,000,000,000.00";
+    QTest::newRow("count 0") << "count" << 0.0 << "0 files";
+    QTest::newRow("count 1") << "count" << 1.0 << "1 file";
+    QTest::newRow("count 1000") << "count" << 1000.0 << "1,000 files";
+  }
+  void numbers() {
+    QFETCH(QString, kind);
+    QFETCH(double, value);
+    if (kind == u"locale") QTEST(LocaleNumber(value), "text");
+    else if (kind == u"count") QTEST(CountPhrase(value, u"file"), "text");
+    else QTEST(FormatNumber(value, kind), "text");
+  }
+
+  void widenYear_data() {
+    QTest::addColumn<QString>("pattern");
+    QTest::addColumn<QString>("widened");
+    QTest::newRow("US") << "M/d/yy" << "M/d/yyyy";
+    QTest::newRow("already four") << "dd.MM.yyyy" << "dd.MM.yyyy";
+    QTest::newRow("two places") << "yy-MM-dd (yy)" << "yyyy-MM-dd (yyyy)";
+    QTest::newRow("no year") << "dd/MM" << "dd/MM";
+  }
+  void widenYear() {
+    QFETCH(QString, pattern);
+    QTEST(WidenYear(pattern), "widened");
+  }
+
+  void fileTimeText_data() {
+    QTest::addColumn<int>("dateStyle");
+    QTest::addColumn<int>("timeStyle");
+    QTest::addColumn<bool>("dateOnly");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("general + hh:mm:ss") << 0 << 0 << false << "3/5/24 14:07:09";
+    QTest::newRow("short date 4") << 1 << 0 << false << "3/5/2024 14:07:09";
+    QTest::newRow("medium date, short time") << 2 << 1 << false << "05-Mar-24 14:07";
+    QTest::newRow("long date, medium time") << 3 << 2 << false << "Tuesday, March 5, 2024 02:07 PM";
+    QTest::newRow("time suppressed: two blanks") << 1 << 3 << false << "3/5/2024  ";
+    QTest::newRow("date only") << 1 << 0 << true << "3/5/2024";
+  }
+  void fileTimeText() {
+    QFETCH(int, dateStyle);
+    QFETCH(int, timeStyle);
+    QFETCH(bool, dateOnly);
+    QTEST(FileTimeText(kSampleTime, DateStylePattern(dateStyle), TimeStylePattern(timeStyle), dateOnly), "text");
+    QCOMPARE(FileTimeText(0, DateStylePattern(dateStyle), TimeStylePattern(timeStyle), dateOnly),
+             QStringLiteral("(unknown)"));
+  }
+
+  void driveTexts() {
+    QCOMPARE(VolumeSerialText(0x1A2B03C4), QStringLiteral("1A2B-03C4"));
+    QCOMPARE(VolumeSerialText(0xBEEF), QStringLiteral("0000-BEEF"));
+    const struct {
+      int type;
+      bool floppy;
+      const char* name;
+    } rows[] = {
+        {platform::kDriveRemovable, true, "3\u00BD Inch Floppy Disk"}, {platform::kDriveRemovable, false, "Removable Disk"},
+        {platform::kDriveFixed, false, "Local Disk"},   {platform::kDriveRemote, false, "Network Disk"},
+        {platform::kDriveCdRom, false, "CD-ROM Disk"},  {platform::kDriveRamDisk, false, "RAM Disk"},
+        {platform::kDriveUnknown, false, ""},
+    };
+    for (const auto& r : rows)
+      QCOMPARE(DriveTypeName(r.type, r.floppy, QString::fromUtf8("3\u00BD Floppy (A:)")), QString::fromUtf8(r.name));
+    const QString space = DriveSpaceText(QStringLiteral("/"));
+    QVERIFY2(QRegularExpression(QStringLiteral(R"(^ \(/\) [\d,]+\.\d\dMB used, [\d,]+\.\d\dMB free \(\d+%\)$)"))
+                 .match(space)
+                 .hasMatch(),
+             qPrintable(space));
+  }
+
+  void otherLocaleSeparators() {
+    testsupport::PinLocale("de_DE");
+    QCOMPARE(LocaleNumber(1234.5), QStringLiteral("1.234,50"));
+    QCOMPARE(FlexibleSize(4096, false, true), QStringLiteral("4,00KB (4.096 bytes)"));
+    QVERIFY(ShortDate4().contains(QStringLiteral("yyyy")));
+    testsupport::PinLocale();
+  }
+
+  void ageText_data() {
+    QTest::addColumn<double>("minutes");
+    QTest::addColumn<QString>("text");
+    QTest::newRow("now") << 0.0 << "0 min";
+    QTest::newRow("just under two hours") << 119.9 << "119 min";
+    QTest::newRow("two hours") << 120.0 << "2 h";
+    QTest::newRow("one day is still hours") << 1440.0 << "24 h";
+    QTest::newRow("three days") << 3 * 1440.0 + 5 << "3 days";
+    QTest::newRow("seven months") << 7 * 43830.0 << "7 months";
+    QTest::newRow("one year is still months") << 525960.0 << "12 months";
+    QTest::newRow("two years") << 2 * 525960.0 << "2 years";
+    QTest::newRow("future") << -300.0 << "in 5 h";
+    QTest::newRow("clock skew under a minute") << -0.4 << "0 min";
+  }
+  void ageText() {
+    QFETCH(double, minutes);
+    QTEST(AgeText(minutes), "text");
+    // Present local time in minutes since 1601 agrees with the FILETIME clock (TZ=UTC in tests).
+    QVERIFY(qAbs(MinutesSince1601Now() - double(platform::FileTimeNow()) / platform::kTicksPerSecond / 60.0) < 1.0);
+  }
+
+  void rowField_data() {
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("field");
+    QTest::newRow("plain") << "a b.txt" << "a b.txt";
+    QTest::newRow("line ends and tab") << "new\nline\t.txt\r" << "new\\nline\\t.txt\\r";
+    QTest::newRow("backslash first") << "a\\n" << "a\\\\n";
+    QTest::newRow("control and delete") << QString(QChar(1)) + QChar(0x7F) << "\\x01\\x7F";
+    QTest::newRow("raw byte") << QString(QChar(0xDCFF)) + "x" << "\\xFFx";
+    QTest::newRow("valid pair kept") << QString::fromUtf8("\xF0\x9F\x98\x80") << QString::fromUtf8("\xF0\x9F\x98\x80");
+  }
+  void rowField() {
+    QFETCH(QString, text);
+    QTEST(RowField(text), "field");
+  }
 };
-
-void FormatsTest::attributeString_data() {
-  QTest::addColumn<quint32>("bits");
-  QTest::addColumn<QString>("text");
-  QTest::newRow("none") << 0u << "--------";
-  QTest::newRow("directory") << 16u << "---D----";
-  QTest::newRow("read-only compressed") << 2049u << "R------C";
-  QTest::newRow("read-only archived folder") << 49u << "R--DA---";
-  QTest::newRow("bits outside the table") << (64u | 512u | 4096u) << "--------";
-  QTest::newRow("all") << 0xFFFFFFFFu << "RHSDANTC";
-}
-
-void FormatsTest::attributeString() {
-  QFETCH(quint32, bits);
-  QFETCH(QString, text);
-  QCOMPARE(AttributeString(bits), text);
-}
-
-void FormatsTest::flexibleSize_data() {
-  QTest::addColumn<double>("bytes");
-  QTest::addColumn<bool>("rounded");
-  QTest::addColumn<bool>("withBytes");
-  QTest::addColumn<QString>("text");
-  QTest::newRow("zero") << 0.0 << false << false << "0 bytes";
-  QTest::newRow("1023") << 1023.0 << false << false << "1,023 bytes";
-  QTest::newRow("1024 rounded") << 1024.0 << true << false << "1KB";
-  QTest::newRow("1025 rounded") << 1025.0 << true << false << "2KB";
-  QTest::newRow("1048575 rounded") << 1048575.0 << true << false << "1,024KB";
-  QTest::newRow("1 MB rounded") << 1048576.0 << true << false << "1.00MB";
-  QTest::newRow("1 MB") << 1048576.0 << false << false << "1.00MB";
-  QTest::newRow("1.5 MB") << 1572864.0 << false << false << "1.50MB";
-  QTest::newRow("3 GB") << 3221225472.0 << true << false << "3.00GB";
-  QTest::newRow("500 with bytes") << 500.0 << false << true << "500 bytes";
-  QTest::newRow("4096 with bytes") << 4096.0 << false << true << "4.00KB (4,096 bytes)";
-  QTest::newRow("2048 with bytes") << 2048.0 << false << true << "2.00KB (2,048 bytes)";
-}
-
-void FormatsTest::flexibleSize() {
-  QFETCH(double, bytes);
-  QFETCH(bool, rounded);
-  QFETCH(bool, withBytes);
-  QFETCH(QString, text);
-  QCOMPARE(FlexibleSize(bytes, rounded, withBytes), text);
-}
-
-void FormatsTest::formatSize_data() {
-  QTest::addColumn<double>("bytes");
-  QTest::addColumn<int>("option");
-  QTest::addColumn<qint64>("cluster");
-  QTest::addColumn<QString>("text");
-  QTest::newRow("raw") << 1234567.0 << 0 << qint64(4096) << "1234567";
-  QTest::newRow("raw 5 GB") << 5368709120.0 << 0 << qint64(4096) << "5368709120";
-  QTest::newRow("bytes") << 1234567.0 << 1 << qint64(4096) << "1,234,567";
-  QTest::newRow("KB rounded 0") << 0.0 << 2 << qint64(4096) << "0";
-  QTest::newRow("KB rounded 1") << 1.0 << 2 << qint64(4096) << "1";
-  QTest::newRow("KB rounded big") << 2147483647.0 << 2 << qint64(4096) << "2,097,152";
-  QTest::newRow("KB rounded overflow") << 2147483648.0 << 2 << qint64(4096) << kOverflowText;
-  QTest::newRow("KB") << 1536.0 << 3 << qint64(4096) << "1.50";
-  QTest::newRow("MB") << 1048576.0 << 4 << qint64(4096) << "1.00";
-  QTest::newRow("GB") << 536870912.0 << 5 << qint64(4096) << "0.50";
-  QTest::newRow("flexible") << 2048.0 << 6 << qint64(4096) << "2.00KB";
-  QTest::newRow("flexible rounded") << 2049.0 << 7 << qint64(4096) << "3KB";
-  QTest::newRow("clusters 0") << 0.0 << 8 << qint64(4096) << "0";
-  QTest::newRow("clusters 1") << 1.0 << 8 << qint64(4096) << "1";
-  QTest::newRow("clusters 4096") << 4096.0 << 8 << qint64(4096) << "1";
-  QTest::newRow("clusters 4097") << 4097.0 << 8 << qint64(4096) << "2";
-  QTest::newRow("clusters overflow") << 3e9 << 8 << qint64(4096) << kOverflowText;
-  QTest::newRow("clusters unknown size") << 10.0 << 8 << qint64(0) << kDivisionByZeroText;
-  QTest::newRow("option 9") << 1234.0 << 9 << qint64(4096) << "1,234";
-  QTest::newRow("option 10") << 1234.0 << 10 << qint64(4096) << "1,234.00";
-}
-
-void FormatsTest::formatSize() {
-  QFETCH(double, bytes);
-  QFETCH(int, option);
-  QFETCH(qint64, cluster);
-  QFETCH(QString, text);
-  QCOMPARE(FormatSize(bytes, option, cluster), text);
-}
-
-void FormatsTest::roundedUpDivision_data() {
-  QTest::addColumn<double>("n");
-  QTest::addColumn<qint64>("divisor");
-  QTest::addColumn<qint64>("expected");  // -1 = failure
-  QTest::newRow("0") << 0.0 << qint64(1024) << qint64(0);
-  QTest::newRow("1") << 1.0 << qint64(1024) << qint64(1);
-  QTest::newRow("1024") << 1024.0 << qint64(1024) << qint64(1);
-  QTest::newRow("1025") << 1025.0 << qint64(1024) << qint64(2);
-  QTest::newRow("half rounds to even 0") << 0.5 << qint64(1024) << qint64(0);
-  QTest::newRow("half rounds to even 2") << 1.5 << qint64(1024) << qint64(1);
-  QTest::newRow("1024.5 to even") << 1024.5 << qint64(1024) << qint64(1);
-  QTest::newRow("1025.5 to even") << 1025.5 << qint64(1024) << qint64(2);
-  QTest::newRow("largest int32") << 2147483647.0 << qint64(1024) << qint64(2097152);
-  QTest::newRow("2^31 overflows") << 2147483648.0 << qint64(1024) << qint64(-1);
-  QTest::newRow("2^31 - 0.5 rounds up and overflows") << 2147483647.5 << qint64(1024) << qint64(-1);
-}
-
-void FormatsTest::roundedUpDivision() {
-  QFETCH(double, n);
-  QFETCH(qint64, divisor);
-  QFETCH(qint64, expected);
-  const std::optional<qint64> r = RoundedUpDivision(n, divisor);
-  QCOMPARE(r.has_value(), expected >= 0);
-  if (r) QCOMPARE(*r, expected);
-}
-
-void FormatsTest::numbers_data() {
-  QTest::addColumn<QString>("kind");
-  QTest::addColumn<double>("value");
-  QTest::addColumn<QString>("text");
-  QTest::newRow("#,0") << "#,0" << 1234567.0 << "1,234,567";
-  QTest::newRow("#,0 half even") << "#,0" << 2.5 << "2";
-  QTest::newRow("0") << "0" << 1234.0 << "1234";
-  QTest::newRow("00") << "00" << 7.0 << "07";
-  QTest::newRow("0000") << "0000" << 42.0 << "0042";
-  QTest::newRow("0.000") << "0.000" << 1.5 << "1.500";
-  QTest::newRow("#,0.00%") << "#,0.00%" << 12.3456 << "1,234.56%";
-  QTest::newRow("Standard") << "Standard" << 1234.5 << "1,234.50";
-  QTest::newRow("locale") << "locale" << 1234.5 << "1,234.50";
-  QTest::newRow("locale rounds the decimal text") << "locale" << 0.005 << "0.01";
-  QTest::newRow("locale tiny negative") << "locale" << -0.001 << "0.00";
-  QTest::newRow("locale negative") << "locale" << -1234.567 << "-1,234.57";
-  QTest::newRow("locale carries") << "locale" << 999.999 << "1,000.00";
-  QTest::newRow("locale 19 chars") << "locale" << 123456789012.0 << "123,456,789,012.00";
-  QTest::newRow("locale exponent form") << "locale" << 1e20 << "100,000,000,000,000,000,000.00";
-  QTest::newRow("count 0") << "count" << 0.0 << "0 files";
-  QTest::newRow("count 1") << "count" << 1.0 << "1 file";
-  QTest::newRow("count 999") << "count" << 999.0 << "999 files";
-  QTest::newRow("count 1000") << "count" << 1000.0 << "1,000 files";
-}
-
-void FormatsTest::numbers() {
-  QFETCH(QString, kind);
-  QFETCH(double, value);
-  QFETCH(QString, text);
-  if (kind == u"locale") QCOMPARE(LocaleNumber(value), text);
-  else if (kind == u"count") QCOMPARE(CountPhrase(value, u"file"), text);
-  else QCOMPARE(FormatNumber(value, kind), text);
-}
-
-void FormatsTest::widenYear_data() {
-  QTest::addColumn<QString>("pattern");
-  QTest::addColumn<QString>("widened");
-  QTest::newRow("US") << "M/d/yy" << "M/d/yyyy";
-  QTest::newRow("already four") << "dd.MM.yyyy" << "dd.MM.yyyy";
-  QTest::newRow("two places") << "yy-MM-dd (yy)" << "yyyy-MM-dd (yyyy)";
-  QTest::newRow("no year") << "dd/MM" << "dd/MM";
-}
-
-void FormatsTest::widenYear() {
-  QFETCH(QString, pattern);
-  QFETCH(QString, widened);
-  QCOMPARE(WidenYear(pattern), widened);
-}
-
-void FormatsTest::fileTimeText_data() {
-  QTest::addColumn<int>("dateStyle");
-  QTest::addColumn<int>("timeStyle");
-  QTest::addColumn<bool>("dateOnly");
-  QTest::addColumn<QString>("text");
-  QTest::newRow("general + hh:mm:ss") << 0 << 0 << false << "3/5/24 14:07:09";
-  QTest::newRow("short date 4") << 1 << 0 << false << "3/5/2024 14:07:09";
-  QTest::newRow("medium date, short time") << 2 << 1 << false << "05-Mar-24 14:07";
-  QTest::newRow("long date, medium time") << 3 << 2 << false << "Tuesday, March 5, 2024 02:07 PM";
-  QTest::newRow("time suppressed: two blanks") << 1 << 3 << false << "3/5/2024  ";
-  QTest::newRow("date only") << 1 << 0 << true << "3/5/2024";
-}
-
-void FormatsTest::fileTimeText() {
-  QFETCH(int, dateStyle);
-  QFETCH(int, timeStyle);
-  QFETCH(bool, dateOnly);
-  QFETCH(QString, text);
-  QCOMPARE(FileTimeText(kSampleTime, DateStylePattern(dateStyle), TimeStylePattern(timeStyle), dateOnly), text);
-  QCOMPARE(FileTimeText(0, DateStylePattern(dateStyle), TimeStylePattern(timeStyle), dateOnly),
-           QStringLiteral("(unknown)"));
-}
-
-void FormatsTest::driveTexts() {
-  QCOMPARE(VolumeSerialText(0x1A2B03C4), QStringLiteral("1A2B-03C4"));
-  QCOMPARE(VolumeSerialText(0xBEEF), QStringLiteral("0000-BEEF"));
-  const struct {
-    int type;
-    bool floppy;
-    const char* name;
-  } rows[] = {
-      {platform::kDriveRemovable, true, "3\u00BD Inch Floppy Disk"}, {platform::kDriveRemovable, false, "Removable Disk"},
-      {platform::kDriveFixed, false, "Local Disk"},   {platform::kDriveRemote, false, "Network Disk"},
-      {platform::kDriveCdRom, false, "CD-ROM Disk"},  {platform::kDriveRamDisk, false, "RAM Disk"},
-      {platform::kDriveUnknown, false, ""},
-  };
-  for (const auto& r : rows)
-    QCOMPARE(DriveTypeName(r.type, r.floppy, QString::fromUtf8("3\u00BD Floppy (A:)")), QString::fromUtf8(r.name));
-}
-
-void FormatsTest::driveSpaceText() {
-  const QString text = DriveSpaceText(QStringLiteral("/"));
-  QVERIFY2(QRegularExpression(QStringLiteral(R"(^ \(/\) [\d,]+\.\d\dMB used, [\d,]+\.\d\dMB free \(\d+%\)$)"))
-               .match(text)
-               .hasMatch(),
-           qPrintable(text));
-}
-
-void FormatsTest::otherLocaleSeparators() {
-  testsupport::PinLocale("de_DE");
-  QCOMPARE(LocaleNumber(1234.5), QStringLiteral("1.234,50"));
-  QCOMPARE(FlexibleSize(4096, false, true), QStringLiteral("4,00KB (4.096 bytes)"));
-  QVERIFY(ShortDate4().contains(QStringLiteral("yyyy")));
-  testsupport::PinLocale();
-}
-
-void FormatsTest::ageEpoch() {
-  // Present local time in minutes since 1601 agrees with the FILETIME clock.
-  const double minutes = MinutesSince1601Now();
-  const double fromFileTime = double(platform::FileTimeNow()) / platform::kTicksPerSecond / 60.0;
-  QVERIFY(qAbs(minutes - fromFileTime) < 1.0);  // TZ=UTC in tests
-}
-
-void FormatsTest::ageText_data() {
-  QTest::addColumn<double>("minutes");
-  QTest::addColumn<QString>("text");
-  QTest::newRow("now") << 0.0 << "0 min";
-  QTest::newRow("just under two hours") << 119.9 << "119 min";
-  QTest::newRow("two hours") << 120.0 << "2 h";
-  QTest::newRow("47 hours") << 47 * 60.0 << "47 h";
-  QTest::newRow("one day is still hours") << 1440.0 << "24 h";
-  QTest::newRow("three days") << 3 * 1440.0 + 5 << "3 days";
-  QTest::newRow("seven months") << 7 * 43830.0 << "7 months";
-  QTest::newRow("one year is still months") << 525960.0 << "12 months";
-  QTest::newRow("two years") << 2 * 525960.0 << "2 years";
-  QTest::newRow("future") << -300.0 << "in 5 h";
-  QTest::newRow("clock skew under a minute") << -0.4 << "0 min";
-}
-
-void FormatsTest::ageText() {
-  QFETCH(double, minutes);
-  QTEST(AgeText(minutes), "text");
-}
-
-void FormatsTest::rowField_data() {
-  QTest::addColumn<QString>("text");
-  QTest::addColumn<QString>("field");
-  QTest::newRow("plain") << "a b.txt" << "a b.txt";
-  QTest::newRow("line ends and tab") << "new\nline\t.txt\r" << "new\\nline\\t.txt\\r";
-  QTest::newRow("backslash first") << "a\\n" << "a\\\\n";
-  QTest::newRow("control and delete") << QString(QChar(1)) + QChar(0x7F) << "\\x01\\x7F";
-  QTest::newRow("raw byte") << QString(QChar(0xDCFF)) + "x" << "\\xFFx";
-  QTest::newRow("valid pair kept") << QString::fromUtf8("\xF0\x9F\x98\x80") << QString::fromUtf8("\xF0\x9F\x98\x80");
-}
-
-void FormatsTest::rowField() {
-  QFETCH(QString, text);
-  QTEST(RowField(text), "field");
-}
 
 QTEST_GUILESS_MAIN(FormatsTest)
 #include "FormatsTest.moc"

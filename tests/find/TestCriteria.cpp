@@ -65,17 +65,9 @@ class TestCriteria : public QObject {
     QTest::addColumn<bool>("exact");
     QTest::addColumn<QStringList>("patterns");
     const QStringList all{"*.*"};
-    QTest::newRow("empty") << "" << false << all;
-    QTest::newRow("empty exact") << "" << true << all;
-    QTest::newRow("star") << "*" << false << all;
-    QTest::newRow("two stars") << "**" << true << all;
-    QTest::newRow("lone dot") << "." << false << all;
-    QTest::newRow("lone dot exact") << "." << true << all;
-    QTest::newRow("dots") << "..." << false << all;
-    QTest::newRow("dots exact") << "...." << true << all;
-    QTest::newRow("star dot") << "*." << true << all;
-    QTest::newRow("dot star") << ".*" << true << all;
-    QTest::newRow("**.**") << "**.**" << false << all;
+    // Names that stand for every file, with and without Exact match.
+    for (const char* n : {"", "*", "**", ".", "...", "*.", ".*", "**.**"})
+      for (bool exact : {false, true}) QTest::addRow("'%s'%s", n, exact ? " exact" : "") << n << exact << all;
     QTest::newRow("81 dots exact") << QString(81, u'.') << true << QStringList{QString(81, u'.')};
     QTest::newRow("bare word") << "word" << false << QStringList{"*word*"};
     QTest::newRow("bare word exact") << "word" << true << QStringList{"word"};
@@ -143,6 +135,7 @@ class TestCriteria : public QObject {
     QTest::newRow("two-digit year, last century") << "1/2/95" << true << Utc(1995, 1, 2);
     QTest::newRow("with seconds") << "1/2/2024 10:00:05 AM" << true << Utc(2024, 1, 2, 10, 0, 5);
     QTest::newRow("short time PM") << "1/2/2024 1:30 PM" << true << Utc(2024, 1, 2, 13, 30);
+    QTest::newRow("as the box shows it") << "11/5/2023 5:04:09 PM" << true << Utc(2023, 11, 5, 17, 4, 9);
     QTest::newRow("24-hour") << "1/2/2024 13:30:07" << true << Utc(2024, 1, 2, 13, 30, 7);
     QTest::newRow("iso") << "2024-01-02 08:09" << true << Utc(2024, 1, 2, 8, 9);
     QTest::newRow("extra blanks") << "  1/2/2024   10:00:05 AM " << true << Utc(2024, 1, 2, 10, 0, 5);
@@ -160,15 +153,6 @@ class TestCriteria : public QObject {
     qint64 t = -1;
     QCOMPARE(find::ParseDateBox(text, &t), ok);
     if (ok) QCOMPARE(t, fileTime);
-  }
-
-  void dateBoxTextRoundTrip() {
-    const QDateTime t(QDate(2023, 11, 5), QTime(17, 4, 9));
-    const QString text = find::DateBoxText(t);
-    QCOMPARE(text, QStringLiteral("11/5/2023 5:04:09 PM"));
-    qint64 ft = 0;
-    QVERIFY(find::ParseDateBox(text, &ft));
-    QCOMPARE(ft, Utc(2023, 11, 5, 17, 4, 9));
   }
 
   void hex_data() {
@@ -234,8 +218,9 @@ class TestCriteria : public QObject {
     QCOMPARE(c.patterns, QStringList{QStringLiteral("before")});  // nothing changed
   }
 
+  // Groups whose toggle is off are neither checked nor applied.
   void inactiveGroupsAreNotChecked() {
-    FindTabValues v = Values(FindTabValues::kWatchName);
+    FindTabValues v = Values(FindTabValues::kWatchName | FindTabValues::kWatchExclude);
     v.sizeMax = QStringLiteral("9999");
     v.sizeUnit = find::kUnitMB;
     v.dateFrom = QStringLiteral("nonsense");
@@ -244,12 +229,17 @@ class TestCriteria : public QObject {
     find::FindCriteria c;
     find::CriteriaMessage m;
     QVERIFY(find::BuildCriteria(v, {v.lookIn}, {}, &c, &m));
-    QVERIFY(!c.sizeOn && !c.dateOn && !c.textOn && !c.attrOn && !c.excludeOn);
+    QVERIFY(!c.sizeOn && !c.dateOn && !c.textOn && !c.attrOn);
+    QVERIFY(!c.excludeOn);  // on, but with no entries
+    // A tree root stands for its folders.
+    const find::LookInRoot root{QStringLiteral("Computer"), {QStringLiteral("/a"), QStringLiteral("/b/")}};
+    QVERIFY(find::BuildCriteria(v, {QStringLiteral("Computer"), dir_.path()}, root, &c, &m));
+    QCOMPARE(c.locations, (QStringList{"/a/", "/b/", dir_.path() + u'/'}));
   }
 
   void bounds() {
     FindTabValues v = Values(FindTabValues::kWatchSize | FindTabValues::kWatchDate | FindTabValues::kWatchAttributes |
-                             FindTabValues::kWatchExclude);
+                             FindTabValues::kWatchExclude | FindTabValues::kWatchText);
     v.sizeMin = QStringLiteral("1");
     v.sizeUnit = find::kUnitKB;
     v.dateFrom = QStringLiteral("1/2/2024 10:00:00 AM");
@@ -259,6 +249,7 @@ class TestCriteria : public QObject {
     v.attrMust = 2 | 4;
     v.attrMustNot = 1;
     v.excludes = QStringList{QStringLiteral("/TMP/")};
+    v.containedText = QStringLiteral("müller");
     find::FindCriteria c;
     find::CriteriaMessage m;
     QVERIFY(find::BuildCriteria(v, {v.lookIn}, {}, &c, &m));
@@ -273,60 +264,24 @@ class TestCriteria : public QObject {
     QCOMPARE(c.attrMustNot, 1u);
     QVERIFY(c.excludeOn);
     QCOMPARE(c.locations, QStringList{dir_.path() + u'/'});
-  }
-
-  void bareDatesEndAtMidnight() {
-    FindTabValues v = Values(FindTabValues::kWatchDate);
-    v.dateFrom = QStringLiteral("1/1/2024");
-    v.dateTo = QStringLiteral("1/2/2024");
-    find::FindCriteria c;
-    find::CriteriaMessage m;
-    QVERIFY(find::BuildCriteria(v, {v.lookIn}, {}, &c, &m));
-    QCOMPARE(c.dateTo, Utc(2024, 1, 2) + 9'990'000);
-  }
-
-  void unknownDateSkipsValidation() {
-    FindTabValues v = Values(FindTabValues::kWatchDate);
-    v.dateFrom = QStringLiteral("(unknown)");
-    v.dateTo = QStringLiteral("garbage");
-    find::FindCriteria c;
-    find::CriteriaMessage m;
-    QVERIFY(find::BuildCriteria(v, {v.lookIn}, {}, &c, &m));
-    QCOMPARE(c.dateFrom, 0);
-    QCOMPARE(c.dateTo, 0);
-  }
-
-  void excludeNeedsEntries() {
-    FindTabValues v = Values(FindTabValues::kWatchExclude);
-    find::FindCriteria c;
-    find::CriteriaMessage m;
-    QVERIFY(find::BuildCriteria(v, {v.lookIn}, {}, &c, &m));
-    QVERIFY(!c.excludeOn);
-  }
-
-  void treeRootStandsForItsFolders() {
-    FindTabValues v = Values(FindTabValues::kWatchName);
-    const find::LookInRoot root{QStringLiteral("Computer"), {QStringLiteral("/a"), QStringLiteral("/b/")}};
-    find::FindCriteria c;
-    find::CriteriaMessage m;
-    QVERIFY(find::BuildCriteria(v, {QStringLiteral("Computer"), dir_.path()}, root, &c, &m));
-    QCOMPARE(c.locations, (QStringList{"/a/", "/b/", dir_.path() + u'/'}));
-  }
-
-  void textBytes() {
-    FindTabValues v = Values(FindTabValues::kWatchText);
-    v.containedText = QStringLiteral("müller");
-    find::FindCriteria c;
-    find::CriteriaMessage m;
-    QVERIFY(find::BuildCriteria(v, {v.lookIn}, {}, &c, &m));
     QCOMPARE(c.text, QStringLiteral("müller").toUtf8());
     QVERIFY(!c.caseSensitive);
+
+    v.dateFrom = QStringLiteral("1/1/2024");  // a bare date ends at midnight
+    v.dateTo = QStringLiteral("1/2/2024");
     v.containedText = QStringLiteral("4D 5A");
     v.isHex = true;
     v.caseSensitive = true;
     QVERIFY(find::BuildCriteria(v, {v.lookIn}, {}, &c, &m));
+    QCOMPARE(c.dateTo, Utc(2024, 1, 2) + 9'990'000);
     QCOMPARE(c.text, QByteArray("MZ"));
     QVERIFY(c.caseSensitive && c.isHex);
+
+    v.dateFrom = QStringLiteral("(unknown)");  // skips the check of both
+    v.dateTo = QStringLiteral("garbage");
+    QVERIFY(find::BuildCriteria(v, {v.lookIn}, {}, &c, &m));
+    QCOMPARE(c.dateFrom, 0);
+    QCOMPARE(c.dateTo, 0);
   }
 
   void describe() {
@@ -343,21 +298,13 @@ class TestCriteria : public QObject {
     v.attrMustNot = 1;
     v.containedText = QString(61, u'x');
     v.excludes = QStringList{QStringLiteral("tmp")};
-    const QString text = find::DescribeCriteria(v, {QStringLiteral("/home")}, QStringLiteral("Total: 3 bytes"));
-    const QStringList lines = text.split(QStringLiteral("\r\n"));
-    QCOMPARE(lines.size(), 12);  // eleven lines, each ended
-    QCOMPARE(lines[0], QStringLiteral("Location(s)"));
-    QCOMPARE(lines[1], QStringLiteral(" /home"));
-    QCOMPARE(lines[2], QStringLiteral("Include subfolders: True"));
-    QCOMPARE(lines[3], QStringLiteral("Filters"));
-    QCOMPARE(lines[4], QStringLiteral(" Named: *.txt"));
-    QCOMPARE(lines[5], QStringLiteral(" Size: at least 1, at most (no limit) KB"));
-    QCOMPARE(lines[6], QStringLiteral(" Date: created or modified between 1/1/2024 and 1/2/2024 NOT"));
-    QCOMPARE(lines[7], QStringLiteral(" Attributes: Not Read-only, Hidden"));
-    QCOMPARE(lines[8], QStringLiteral(" Containing Text: ") + QString(60, u'x') + QStringLiteral(" [...]"));
-    QCOMPARE(lines[9], QStringLiteral(" Exclude Folders: [ignored]"));
-    QCOMPARE(lines[10], QStringLiteral("Results: Total: 3 bytes"));
-    QVERIFY(lines[11].isEmpty());
+    QCOMPARE(find::DescribeCriteria(v, {QStringLiteral("/home")}, QStringLiteral("Total: 3 bytes")),
+             QStringLiteral("Location(s)\r\n /home\r\nInclude subfolders: True\r\nFilters\r\n Named: *.txt\r\n"
+                            " Size: at least 1, at most (no limit) KB\r\n"
+                            " Date: created or modified between 1/1/2024 and 1/2/2024 NOT\r\n"
+                            " Attributes: Not Read-only, Hidden\r\n Containing Text: ") +
+                 QString(60, u'x') +
+                 QStringLiteral(" [...]\r\n Exclude Folders: [ignored]\r\nResults: Total: 3 bytes\r\n"));
   }
 
   void relativeRanges_data() {

@@ -49,18 +49,12 @@ class TestFileContains : public QObject {
   }
   void init() { core::JobFlags::ClearAbort(); }
 
+  // Plain letters, case and position are left to the random comparison below.
   void inMemory_data() {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QByteArray>("haystack");
     QTest::addColumn<bool>("caseSensitive");
     QTest::addColumn<bool>("found");
-    QTest::newRow("exact") << QByteArray("needle") << QByteArray("a needle here") << true << true;
-    QTest::newRow("exact, other case") << QByteArray("needle") << QByteArray("a NEEDLE here") << true << false;
-    QTest::newRow("folded, other case") << QByteArray("needle") << QByteArray("a NeEdLe here") << false << true;
-    QTest::newRow("folded, absent") << QByteArray("needle") << QByteArray("a needl here") << false << false;
-    QTest::newRow("at start") << QByteArray("ab") << QByteArray("abxxx") << false << true;
-    QTest::newRow("at end") << QByteArray("xz") << QByteArray("aaaxz") << false << true;
-    QTest::newRow("longer than text") << QByteArray("abcdef") << QByteArray("abc") << false << false;
     QTest::newRow("umlaut upper") << QStringLiteral("müller").toUtf8() << QStringLiteral("HERR MÜLLER").toUtf8() << false
                                   << true;
     QTest::newRow("umlaut lower") << QStringLiteral("MÜLLER").toUtf8() << QStringLiteral("herr müller").toUtf8() << false
@@ -85,9 +79,7 @@ class TestFileContains : public QObject {
     QFETCH(QByteArray, text);
     QFETCH(QByteArray, haystack);
     QFETCH(bool, caseSensitive);
-    QFETCH(bool, found);
-    const find::TextSearch s = Search(text, caseSensitive);
-    QCOMPARE(s.foundIn(haystack.constData(), haystack.size()), found);
+    QTEST(Search(text, caseSensitive).foundIn(haystack.constData(), haystack.size()), "found");
   }
 
   // Random texts over a small alphabet, against a plain folded search.

@@ -64,54 +64,25 @@ class TestFindFilesTab : public QObject {
     QVERIFY(dir_.isValid());
   }
 
-  void captions_data() {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("caption");
-    const QList<QPair<const char*, const char*>> rows = {
-        {"chkNamed0", "Exact &match"},
-        {"chkNamed1", "Include &subfolders"},
-        {"optDate0", "&created"},
-        {"optDate1", "&modified"},
-        {"optDate2", "&accessed"},
-        {"optDate3", "created &or modified"},
-        {"chkRangeNot", "&Not"},
-        {"optSizeUnit0", "Bytes"},
-        {"optSizeUnit1", "KB"},
-        {"optSizeUnit2", "MB"},
-        {"chkAttrFind0", "Read-only"},
-        {"chkAttrFind6", "Temporary"},
-        {"chkAttrFind7", "Compressed"},
-        {"cmdExclude0", "<< Add"},
-        {"cmdExclude1", "Remove"},
-        {"chkCaseSens", "&Case Sensitive"},
-        {"chkHex", "It's a &Hex String"},
-        {"chkWatch0", "Name"},
-        {"chkWatch1", "Size"},
-        {"chkWatch2", "Date"},
-        {"chkWatch3", "Excl."},
-        {"chkWatch4", "Attr."},
-        {"chkWatch5", "Text"},
-        {"cmdFind", "F&ind Now"},
+  // Every control is there, by name, with its caption; the labels by text.
+  void controls() {
+    find::FindFilesTab tab;
+    const char* captions[][2] = {
+        {"chkNamed0", "Exact &match"}, {"chkNamed1", "Include &subfolders"}, {"optDate0", "&created"},
+        {"optDate1", "&modified"},     {"optDate2", "&accessed"},            {"optDate3", "created &or modified"},
+        {"chkRangeNot", "&Not"},       {"optSizeUnit0", "Bytes"},            {"optSizeUnit1", "KB"},
+        {"optSizeUnit2", "MB"},        {"chkAttrFind0", "Read-only"},        {"chkAttrFind6", "Temporary"},
+        {"chkAttrFind7", "Compressed"}, {"cmdExclude0", "<< Add"},           {"cmdExclude1", "Remove"},
+        {"chkCaseSens", "&Case Sensitive"}, {"chkHex", "It's a &Hex String"}, {"chkWatch0", "Name"},
+        {"chkWatch1", "Size"},         {"chkWatch2", "Date"},                {"chkWatch3", "Excl."},
+        {"chkWatch4", "Attr."},        {"chkWatch5", "Text"},                {"cmdFind", "F&ind Now"},
         {"cmdFindStop", "Sto&p (Esc)"},
     };
-    for (const auto& r : rows) QTest::newRow(r.first) << QString::fromLatin1(r.first) << QString::fromLatin1(r.second);
-  }
-  void captions() {
-    QFETCH(QString, name);
-    QFETCH(QString, caption);
-    find::FindFilesTab tab;
-    auto* button = tab.findChild<QAbstractButton*>(name);
-    QVERIFY2(button, qPrintable(name));
-    QCOMPARE(button->text(), caption);
-  }
-
-  void everyControlIsThere() {
-    find::FindFilesTab tab;
-    for (const char* name : {"cboNamed", "cboLookIn"}) QVERIFY2(tab.findChild<QComboBox*>(name), name);
-    for (const char* name : {"txtDate0", "txtDate1", "txtSize0", "txtSize1", "txtExclude"})
-      QVERIFY2(tab.findChild<QLineEdit*>(name), name);
-    QVERIFY(tab.findChild<QListWidget*>("lstExclude"));
-    QVERIFY(tab.findChild<QPlainTextEdit*>("txtContText"));
+    for (const auto& [name, caption] : captions) {
+      auto* button = tab.findChild<QAbstractButton*>(QString::fromLatin1(name));
+      QVERIFY2(button, name);
+      QCOMPARE(button->text(), QString::fromLatin1(caption));
+    }
     for (int i = 0; i < 8; ++i) QVERIFY(tab.findChild<QCheckBox*>(QStringLiteral("chkAttrFindNot%1").arg(i)));
     QStringList labels;
     for (QLabel* l : tab.findChildren<QLabel*>()) labels << l->text();
@@ -122,24 +93,29 @@ class TestFindFilesTab : public QObject {
       QVERIFY2(labels.contains(QString::fromUtf8(text)), text);
   }
 
-  // The same find set up on the tab and given as options builds the same criteria.
+  // The same find set up on the tab and given as options builds the same
+  // criteria. Actions: "name" clicks, "name=text" types, "name+text" pastes.
   void sameCriteriaAsCommandLine_data() {
-    QTest::addColumn<int>("row");
+    QTest::addColumn<QString>("actions");
     QTest::addColumn<QStringList>("options");
-    QTest::newRow("patterns, subfolders") << 0 << QStringList{"--named", "*.txt;*.doc", "--subfolders"};
-    QTest::newRow("exact") << 1 << QStringList{"--named", "word", "--exact"};
-    QTest::newRow("size") << 2 << QStringList{"--size-min", "1", "--size-unit", "kb"};
-    QTest::newRow("date") << 3
+    QTest::newRow("patterns, subfolders") << "chkWatch0|cboNamed=*.txt;*.doc|chkNamed1"
+                                          << QStringList{"--named", "*.txt;*.doc", "--subfolders"};
+    QTest::newRow("exact") << "chkWatch0|cboNamed=word|chkNamed0" << QStringList{"--named", "word", "--exact"};
+    QTest::newRow("size") << "chkWatch1|txtSize0=1|optSizeUnit1" << QStringList{"--size-min", "1", "--size-unit", "kb"};
+    QTest::newRow("date") << "chkWatch2|optDate3|txtDate0=1/1/2024|txtDate1=1/2/2024 10:00:05 AM|chkRangeNot"
                           << QStringList{"--date-kind", "created-or-modified", "--date-from", "1/1/2024",
                                          "--date-to", "1/2/2024 10:00:05 AM", "--not"};
-    QTest::newRow("attributes") << 4 << QStringList{"--attr", "h", "--not-attr", "R"};
-    QTest::newRow("hex text") << 5 << QStringList{"--containing", "4D 5A", "--hex", "--case"};
-    QTest::newRow("text, folded") << 6 << QStringList{"--containing", "müller"};
-    QTest::newRow("excludes") << 7 << QStringList{"--exclude", "tmp", "--exclude", "/x/"};
-    QTest::newRow("nothing") << 8 << QStringList{};
+    QTest::newRow("attributes") << "chkWatch4|chkAttrFind1|chkAttrFindNot0"
+                                << QStringList{"--attr", "h", "--not-attr", "R"};
+    QTest::newRow("hex text") << "chkWatch5|txtContText=4D 5A|chkHex|chkCaseSens"
+                              << QStringList{"--containing", "4D 5A", "--hex", "--case"};
+    QTest::newRow("text, folded") << "chkWatch5|txtContText+müller" << QStringList{"--containing", "müller"};
+    QTest::newRow("excludes") << "chkWatch3|txtExclude=tmp|cmdExclude0|txtExclude=/x/|cmdExclude0"
+                              << QStringList{"--exclude", "tmp", "--exclude", "/x/"};
+    QTest::newRow("nothing") << "" << QStringList{};
   }
   void sameCriteriaAsCommandLine() {
-    QFETCH(int, row);
+    QFETCH(QString, actions);
     QFETCH(QStringList, options);
 
     find::FindFilesTab tab;
@@ -148,54 +124,21 @@ class TestFindFilesTab : public QObject {
     blank.includeSubfolders = false;
     blank.sizeUnit = 1;
     tab.setValues(blank);
-    QComboBox* lookIn = Child<QComboBox>(tab, "cboLookIn");
-    QTest::keyClicks(lookIn->lineEdit(), dir_.path());
-    switch (row) {
-      case 0:
-        Check(tab, "chkWatch0");
-        QTest::keyClicks(Child<QComboBox>(tab, "cboNamed")->lineEdit(), QStringLiteral("*.txt;*.doc"));
-        Check(tab, "chkNamed1");
-        break;
-      case 1:
-        Check(tab, "chkWatch0");
-        QTest::keyClicks(Child<QComboBox>(tab, "cboNamed")->lineEdit(), QStringLiteral("word"));
-        Check(tab, "chkNamed0");
-        break;
-      case 2:
-        Check(tab, "chkWatch1");
-        Type(tab, "txtSize0", QStringLiteral("1"));
-        Child<QRadioButton>(tab, "optSizeUnit1")->click();
-        break;
-      case 3:
-        Check(tab, "chkWatch2");
-        Child<QRadioButton>(tab, "optDate3")->click();
-        Type(tab, "txtDate0", QStringLiteral("1/1/2024"));
-        Type(tab, "txtDate1", QStringLiteral("1/2/2024 10:00:05 AM"));
-        Check(tab, "chkRangeNot");
-        break;
-      case 4:
-        Check(tab, "chkWatch4");
-        Check(tab, "chkAttrFind1");
-        Check(tab, "chkAttrFindNot0");
-        break;
-      case 5:
-        Check(tab, "chkWatch5");
-        QTest::keyClicks(Child<QPlainTextEdit>(tab, "txtContText"), QStringLiteral("4D 5A"));
-        Check(tab, "chkHex");
-        Check(tab, "chkCaseSens");
-        break;
-      case 6:
-        Check(tab, "chkWatch5");
-        Child<QPlainTextEdit>(tab, "txtContText")->insertPlainText(QStringLiteral("müller"));  // pasted
-        break;
-      case 7:
-        Check(tab, "chkWatch3");
-        Type(tab, "txtExclude", QStringLiteral("tmp"));
-        Child<QPushButton>(tab, "cmdExclude0")->click();
-        Type(tab, "txtExclude", QStringLiteral("/x/"));
-        Child<QPushButton>(tab, "cmdExclude0")->click();
-        break;
-      default: break;
+    QTest::keyClicks(Child<QComboBox>(tab, "cboLookIn")->lineEdit(), dir_.path());
+    for (const QString& action : actions.split(u'|', Qt::SkipEmptyParts)) {
+      const qsizetype at = action.indexOf(QRegularExpression(QStringLiteral("[=+]")));
+      QWidget* w = tab.findChild<QWidget*>(action.left(at));
+      QVERIFY2(w, qPrintable(action));
+      const QString text = action.mid(at + 1);
+      if (at < 0) {
+        qobject_cast<QAbstractButton*>(w)->click();
+      } else if (action[at] == u'+') {
+        qobject_cast<QPlainTextEdit*>(w)->insertPlainText(text);
+      } else {
+        if (auto* combo = qobject_cast<QComboBox*>(w)) w = combo->lineEdit();
+        if (auto* edit = qobject_cast<QLineEdit*>(w)) edit->clear();
+        QTest::keyClicks(w, text);
+      }
     }
     find::FindCriteria fromTab;
     find::CriteriaMessage message;
@@ -269,7 +212,7 @@ class TestFindFilesTab : public QObject {
     QCOMPARE(text->font(), normal);
   }
 
-  void excludeList() {
+  void buttons() {
     find::FindFilesTab tab;
     QListWidget* list = Child<QListWidget>(tab, "lstExclude");
     QPushButton* add = Child<QPushButton>(tab, "cmdExclude0");
@@ -282,10 +225,7 @@ class TestFindFilesTab : public QObject {
     list->setCurrentRow(0);
     Child<QPushButton>(tab, "cmdExclude1")->click();
     QCOMPARE(tab.values().excludes, QStringList{QStringLiteral("two")});
-  }
 
-  void buttons() {
-    find::FindFilesTab tab;
     QSignalSpy find(&tab, &find::FindFilesTab::findRequested);
     QSignalSpy stop(&tab, &find::FindFilesTab::stopRequested);
     core::JobFlags::ClearAbort();

@@ -84,22 +84,74 @@ class TestFindJob : public QObject {
   }
   void init() { core::JobFlags::ClearAbort(); }
 
-  void extensionInEveryFolder() {
-    find::FindCriteria c = Criteria({QStringLiteral("*.txt")}, true);
-    const Recorder r = Run(c);
+  // What a walk finds (sorted) and counts; with a contained text as well,
+  // every folder is still walked once. An Escape from before the find does
+  // not stop it: the flag is cleared when a find starts.
+  void walks_data() {
+    QTest::addColumn<QString>("patterns");
+    QTest::addColumn<bool>("subfolders");
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QString>("rows");
+    QTest::addColumn<int>("folders");
+    const QString txt = "DOCS/c.txt,a.txt,b.txt,excl/g.txt,excl/inner/h.txt,nomatch/f.txt,sub/d.txt,sub/deep/e.txt";
+    QTest::newRow("one extension in every folder") << "*.txt" << true << QByteArray() << txt
+                                                   << 8;  // the root and its seven real subfolders, not the link
+    QTest::newRow("two patterns") << "*.doc;*x" << true << QByteArray() << "DOCS/x.doc,sub/deep/y.doc,two/bx,two/lx"
+                                  << 8;
+    QTest::newRow("no subfolders") << "a.txt" << false << QByteArray() << "a.txt" << 1;
+    QTest::newRow("nothing found") << "nothing-like-this" << true << QByteArray() << "" << 8;
+    QTest::newRow("every name, text found") << "*.*" << true << QByteArray("DATA")
+                                            << "DOCS/c.txt,DOCS/x.doc,a.txt,b.txt,excl/g.txt,excl/inner/h.txt,"
+                                               "nomatch/f.txt,sub/d.txt,sub/deep/e.txt,sub/deep/y.doc,two/bx,two/la,two/lx"
+                                            << 8;
+    QTest::newRow("every name, text absent") << "*.*" << true << QByteArray("nothing") << "" << 8;
+    QTest::newRow("one extension and a text") << "*.txt" << true << QByteArray("data") << txt << 8;
+  }
+  void walks() {
+    QFETCH(QString, patterns);
+    QFETCH(bool, subfolders);
+    QFETCH(QByteArray, text);
+    QFETCH(QString, rows);
+    QFETCH(int, folders);
+    core::JobFlags::RequestAbort();
+    find::FindCriteria c = Criteria(patterns.split(u';'), subfolders);
+    c.textOn = !text.isEmpty();
+    c.text = text;
+    find::SetTextCompare(&c, false);
+    c.search.SetText(text);
+    const Recorder r = Run(c, true);
     QStringList sorted = r.rows;
     sorted.sort();
-    QCOMPARE(sorted, (QStringList{"DOCS/c.txt", "a.txt", "b.txt", "excl/g.txt", "excl/inner/h.txt", "nomatch/f.txt",
-                                  "sub/d.txt", "sub/deep/e.txt"}));
-    // A folder's own hits come before any hit of its subfolders.
+    QCOMPARE(sorted.join(u','), rows);
+    QCOMPARE(c.foldersScanned, folders);
+    if (!c.textOn) QCOMPARE(c.nameHits, r.rows.size());
+    QCOMPARE(r.sorts, r.rows.isEmpty() ? 0 : 1);  // no sort without rows
+    QCOMPARE(r.statuses.last().first, int(find::kStatusFindEnd));
+  }
+
+  // A folder's own hits come before any of its subfolders'; the progress shows
+  // each folder as the list will (its tidied name) and the summary the counts.
+  void orderAndStatus() {
+    find::FindCriteria c = Criteria({QStringLiteral("*.txt")}, true);
+    const Recorder r = Run(c);
     QCOMPARE(QSet<QString>(r.rows.begin(), r.rows.begin() + 2), (QSet<QString>{"a.txt", "b.txt"}));
     QVERIFY(r.rows.indexOf("sub/d.txt") < r.rows.indexOf("sub/deep/e.txt"));
     for (const char* f : {"DOCS/", "sub/", "sub/deep/", "excl/", "nomatch/"})
       QVERIFY2(Contiguous(r.rows, QString::fromLatin1(f)), f);
     QVERIFY(!r.rows.join(u' ').contains(QStringLiteral("link/")));  // never through a link
-    // Walked folders: the root and its seven real subfolders (not the link).
-    QCOMPARE(c.foldersScanned, 8);
-    QCOMPARE(c.nameHits, 8);
+    const qsizetype at = r.rows.indexOf(QStringLiteral("DOCS/c.txt"));
+    QVERIFY(at >= 0);  // the walk used the real name
+    QCOMPARE(r.displayRows[at], QStringLiteral("Docs/c.txt"));
+    QCOMPARE(r.statuses.first(), qMakePair(int(find::kStatusStart), QString()));
+    QVERIFY(r.sawStatus(find::kStatusProgress, root_));
+    QVERIFY(r.sawStatus(find::kStatusProgress, root_ + QStringLiteral("Docs/")));
+    QVERIFY(r.sawStatus(find::kStatusProgress, root_ + QStringLiteral("sub/deep/")));
+    QVERIFY(QRegularExpression(QStringLiteral("^\\d+\\.\\d{3} sec \\(8 folders scanned, 8 name hits\\)$"))
+                .match(r.summary())
+                .hasMatch());
+    QVERIFY(!core::JobFlags::Busy());
+    QCOMPARE(find::FindJob::SummaryText(1.5, 1234, 56, false),
+             QStringLiteral("1.500 sec (1,234 folders scanned, 56 name hits)"));
   }
 
   void everythingPreOrder() {
@@ -117,31 +169,6 @@ class TestFindJob : public QObject {
     }
     QVERIFY(r.rows.contains(QStringLiteral("link")));
     QVERIFY(!r.rows.contains(QStringLiteral("link/d.txt")));
-  }
-
-  // With the contained text as the only filter: hits in every folder, and
-  // every folder walked exactly once.
-  void containedTextOnly_data() {
-    QTest::addColumn<QString>("pattern");
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<int>("rows");
-    QTest::newRow("every name, found") << "*.*" << QByteArray("DATA") << 13;
-    QTest::newRow("every name, absent") << "*.*" << QByteArray("nothing") << 0;
-    QTest::newRow("one extension") << "*.txt" << QByteArray("data") << 8;
-  }
-  void containedTextOnly() {
-    QFETCH(QString, pattern);
-    QFETCH(QByteArray, text);
-    QFETCH(int, rows);
-    find::FindCriteria c = Criteria({pattern}, true);
-    c.textOn = true;
-    c.text = text;
-    find::SetTextCompare(&c, false);
-    c.search.SetText(text);
-    const Recorder r = Run(c);
-    QCOMPARE(r.rows.size(), rows);
-    QCOMPARE(c.foldersScanned, 8);
-    for (const QString& row : r.rows) QVERIFY2(!row.endsWith(u"sub") && !row.endsWith(u"DOCS"), qPrintable(row));
   }
 
   // Content workers publish in the walk's order: rows, statuses and counters
@@ -232,14 +259,6 @@ class TestFindJob : public QObject {
     QCOMPARE(c.nameHits, 4);
   }
 
-  void twoPatternsWithSubfolders() {
-    find::FindCriteria c = Criteria({QStringLiteral("*.doc"), QStringLiteral("*x")}, true);
-    const Recorder r = Run(c);
-    QStringList sorted = r.rows;
-    sorted.sort();
-    QCOMPARE(sorted, (QStringList{"DOCS/x.doc", "sub/deep/y.doc", "two/bx", "two/lx"}));
-  }
-
   void excludedLocationStillSearched() {
     find::FindCriteria c = Criteria({QStringLiteral("*.txt")}, true, {root_ + "excl/", root_});
     c.excludeOn = true;
@@ -254,28 +273,6 @@ class TestFindJob : public QObject {
     QVERIFY(c.excludeOn);
     // excl/inner + root, DOCS, sub, nomatch, two: the excluded location is not counted.
     QCOMPARE(c.foldersScanned, 6);
-  }
-
-  void statusLine() {
-    find::FindCriteria c = Criteria({QStringLiteral("*.txt")}, true);
-    const Recorder r = Run(c);
-    QCOMPARE(r.statuses.first(), qMakePair(int(find::kStatusStart), QString()));
-    QVERIFY(r.sawStatus(find::kStatusProgress, root_));
-    QVERIFY(r.sawStatus(find::kStatusProgress, root_ + QStringLiteral("sub/deep/")));
-    QCOMPARE(r.statuses.last().first, int(find::kStatusFindEnd));
-    QVERIFY(QRegularExpression(QStringLiteral("^\\d+\\.\\d{3} sec \\(8 folders scanned, 8 name hits\\)$"))
-                .match(r.summary())
-                .hasMatch());
-    QVERIFY(!core::JobFlags::Busy());
-  }
-
-  void tidiedFolderNamesOnlyShown() {
-    find::FindCriteria c = Criteria({QStringLiteral("*.txt")}, true);
-    const Recorder r = Run(c);
-    const qsizetype at = r.rows.indexOf(QStringLiteral("DOCS/c.txt"));
-    QVERIFY(at >= 0);  // the walk used the real name
-    QCOMPARE(r.displayRows[at], QStringLiteral("Docs/c.txt"));
-    QVERIFY(r.sawStatus(find::kStatusProgress, root_ + QStringLiteral("Docs/")));
   }
 
   void tidy_data() {
@@ -306,17 +303,9 @@ class TestFindJob : public QObject {
     QCOMPARE(r.rows.size(), 3);  // stopped before the next entry
     QVERIFY(r.sawStatus(find::kStatusAborted, QString()));
     QVERIFY(r.summary().endsWith(QStringLiteral(" name hits)  ABORTED")));
+    QCOMPARE(find::FindJob::SummaryText(0, 0, 0, true), QStringLiteral("0.000 sec (0 folders scanned, 0 name hits)  ABORTED"));
     QCOMPARE(r.sorts, 1);  // the partial result is sorted like a full one
     QVERIFY(!core::JobFlags::Busy());
-  }
-
-  void abortBeforeFirstLocation() {
-    // The flag is cleared when a find starts: an old Escape does not stop it.
-    core::JobFlags::RequestAbort();
-    find::FindCriteria c = Criteria({QStringLiteral("a.txt")}, false);
-    const Recorder r = Run(c);
-    QCOMPARE(r.rows, QStringList{"a.txt"});
-    QVERIFY(!r.summary().endsWith(QStringLiteral("ABORTED")));
   }
 
   void sortAnnouncement_data() {
@@ -347,13 +336,6 @@ class TestFindJob : public QObject {
     QCOMPARE(r.statuses.last().first, int(find::kStatusFindEnd));
   }
 
-  void noSortWithoutRows() {
-    find::FindCriteria c = Criteria({QStringLiteral("nothing-like-this")}, true);
-    const Recorder r = Run(c, true);
-    QVERIFY(r.rows.isEmpty());
-    QCOMPARE(r.sorts, 0);
-  }
-
   // The read-ahead serves folders in walk order and gives up, without harm,
   // when the walk asks for another one.
   void readAhead() {
@@ -368,12 +350,6 @@ class TestFindJob : public QObject {
     QVERIFY(second && second->isOpen());
     QVERIFY(!ahead.take(root_ + QStringLiteral("not-next/")));
     QVERIFY(!ahead.take(root_ + walkOrder.last() + u'/'));  // off for good
-  }
-
-  void summaryText() {
-    QCOMPARE(find::FindJob::SummaryText(1.5, 1234, 56, false),
-             QStringLiteral("1.500 sec (1,234 folders scanned, 56 name hits)"));
-    QCOMPARE(find::FindJob::SummaryText(0, 0, 0, true), QStringLiteral("0.000 sec (0 folders scanned, 0 name hits)  ABORTED"));
   }
 };
 

@@ -17,6 +17,7 @@ class tst_ListKeys : public QObject {
   void initTestCase() { testsupport::PinLocale(); }
 
   // A sequence of "key@seconds" presses from a focus row; the focus after each.
+  // A name ending in "/" is a folder (grouped: its key starts with "0").
   void typeAhead_data() {
     QTest::addColumn<QString>("names");
     QTest::addColumn<int>("focus");
@@ -35,6 +36,7 @@ class tst_ListKeys : public QObject {
     QTest::newRow("digits") << QStringLiteral("a,1b,2c,10") << 0 << "1@0,0@0.1" << "1,3";
     QTest::newRow("three letters") << QStringLiteral("abc,abd,abe,b") << 3 << "A@0,B@0.1,E@0.2" << "0,0,2";
     QTest::newRow("focus row 0, one row") << QStringLiteral("a") << 0 << "A@0,A@1" << "0,0";
+    QTest::newRow("the group mark is no letter") << QStringLiteral("red/,0ne,1x") << 0 << "0@0,1@5" << "1,2";
   }
 
   void typeAhead() {
@@ -43,7 +45,9 @@ class tst_ListKeys : public QObject {
     QFETCH(QString, presses);
     QFETCH(QString, focusAfter);
     ListModel m;
-    listtest::AddNames(&m, names.split(u','));
+    const quint16 t = m.store().internType(QStringLiteral("t"), QString());
+    for (const QString& n : names.split(u','))
+      m.addFileRow(listtest::Entry(n.endsWith(u'/') ? n.chopped(1) : n, 0, 0, n.endsWith(u'/')), "/", t);
     m.moveTo(focus, false, false);
     QStringList got;
     for (const QString& p : presses.split(u',')) {
@@ -54,38 +58,14 @@ class tst_ListKeys : public QObject {
     QCOMPARE(got.join(u','), focusAfter);
   }
 
-  void typeAheadSkipsGroupMark() {
-    ListModel m;
-    m.setGrouping(true);
-    const quint16 t = m.store().internType(QStringLiteral("t"), QString());
-    m.addFileRow(listtest::Entry("red", 0, 0, true), "/", t);  // key "0red"
-    m.addFileRow(listtest::Entry("0ne"), "/", t);              // key "10ne"
-    m.addFileRow(listtest::Entry("1x"), "/", t);               // key "11x"
-    m.keyDown(ListKey::Character, u'0', false, false, false, 0);
-    QCOMPARE(m.focus(), 1);
-    m.keyDown(ListKey::Character, u'1', false, false, false, 5);
-    QCOMPARE(m.focus(), 2);
-  }
-
-  void typeAheadNeedsNoModifier_data() {
-    QTest::addColumn<bool>("shift");
-    QTest::addColumn<bool>("ctrl");
-    QTest::addColumn<bool>("alt");
-    QTest::addColumn<bool>("handled");
-    QTest::newRow("plain") << false << false << false << true;
-    QTest::newRow("shift") << true << false << false << false;
-    QTest::newRow("ctrl") << false << true << false << false;
-    QTest::newRow("alt") << false << false << true << false;
-  }
   void typeAheadNeedsNoModifier() {
-    QFETCH(bool, shift);
-    QFETCH(bool, ctrl);
-    QFETCH(bool, alt);
-    ListModel m;
-    listtest::AddNames(&m, {"a", "b"});
-    const KeyResult r = m.keyDown(ListKey::Character, u'B', shift, ctrl, alt, 0);
-    QTEST(r.handled, "handled");
-    QCOMPARE(m.focus(), r.handled ? 1 : 0);
+    for (int modifier = 0; modifier < 4; ++modifier) {  // none, Shift, Ctrl, Alt
+      ListModel m;
+      listtest::AddNames(&m, {"a", "b"});
+      const KeyResult r = m.keyDown(ListKey::Character, u'B', modifier == 1, modifier == 2, modifier == 3, 0);
+      QCOMPARE(r.handled, modifier == 0);
+      QCOMPARE(m.focus(), modifier == 0 ? 1 : 0);
+    }
   }
 
   // Page keys with 100 rows and 10 rows to a page.

@@ -1,7 +1,6 @@
 #include <QtTest>
 
 #include "browser/list/ListModel.h"
-#include "core/NumberFormat.h"
 #include "tests/TestSupport.h"
 #include "tests/browser/list/ListTestRows.h"
 
@@ -12,20 +11,6 @@ class tst_ListStatus : public QObject {
 
  private Q_SLOTS:
   void initTestCase() { testsupport::PinLocale(); }
-
-  void countPhrase_data() {
-    QTest::addColumn<double>("count");
-    QTest::addColumn<QString>("text");
-    QTest::newRow("0") << 0.0 << "0 objects";
-    QTest::newRow("1") << 1.0 << "1 object";
-    QTest::newRow("2") << 2.0 << "2 objects";
-    QTest::newRow("999") << 999.0 << "999 objects";
-    QTest::newRow("1000") << 1000.0 << "1,000 objects";
-  }
-  void countPhrase() {
-    QFETCH(double, count);
-    QTEST(core::CountPhrase(count, u"object"), "text");
-  }
 
   // 1000 files of 1 KB each, a folder; some of them selected.
   void browseStatus_data() {
