@@ -136,7 +136,6 @@ class frmMain : public QMainWindow {
   bool closePending_ = false;
   bool finalClose_ = false;
   bool settingsSaved_ = false;
-  bool saveErrorShown_ = false;
   int saveCount_ = 0;
 };
 
