@@ -414,7 +414,13 @@ void frmMain::ResetToDefaults() {
   if (core::JobFlags::Busy()) {
     // The reset switches the list's columns: not under a running fill.
     core::JobFlags::RequestStop();
-    QTimer::singleShot(BrowseFlow::kDelayMs, this, &frmMain::ResetToDefaults);
+    if (!resetPending_) {
+      resetPending_ = true;
+      QTimer::singleShot(BrowseFlow::kDelayMs, this, [this] {
+        resetPending_ = false;
+        ResetToDefaults();
+      });
+    }
     return;
   }
   core::ResetToDefaults(settings_, defaults_);
@@ -478,7 +484,7 @@ void frmMain::closeEvent(QCloseEvent* event) {
   }
   flow_->browseTimer()->stop();
   flow_->versionTimer()->stop();
-  SaveSettingsOnce();
+  SaveSettingsOnce();  // a failure is said in the status line; the window closes all the same
   event->accept();
 }
 
@@ -517,17 +523,14 @@ void frmMain::CollectSettings() {
   finder_->StoreValues();
 }
 
-bool frmMain::SaveSettingsOnce() {
-  if (settingsSaved_ || !options_.saveAtExit) return true;
+void frmMain::SaveSettingsOnce() {
+  if (settingsSaved_ || !options_.saveAtExit) return;
   settingsSaved_ = true;
   CollectSettings();
   const core::SettingsResult result = core::SaveSettingsAtExit(profile_, settings_);
   ++saveCount_;
   Q_EMIT SettingsSaved(result.ok);
-  if (result.ok) return true;
-  // A failed write is not a reason to keep the window open: say so once and go.
-  status_->ShowStatus(QStringLiteral("Settings not saved (") + result.error + QStringLiteral(")."));
-  return false;
+  if (!result.ok) status_->ShowStatus(QStringLiteral("Settings not saved (") + result.error + QStringLiteral(")."));
 }
 
 }  // namespace browser
