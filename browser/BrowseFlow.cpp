@@ -49,6 +49,11 @@ void BrowseFlow::FillCurrent() {
   Q_EMIT FillRequested(folder);
 }
 
+void BrowseFlow::DeferFill() {
+  core::JobFlags::RequestStop();
+  tmrBrowse->start(kDelayMs);
+}
+
 void BrowseFlow::FileSelected(const QString& path, bool immediate) {
   if (Mode() == core::kModeDrives) {
     drive_ = path;

@@ -49,6 +49,9 @@ class BrowseFlow : public QObject {
   void FileSelected(const QString& path, bool immediate);
   // Fills the list for the current folder now (start-up, refresh).
   void FillCurrent();
+  // A fill asked for while a job runs: stops the job and leaves the fill of
+  // the current folder to the browse timer.
+  void DeferFill();
   // The next selection of the same file refreshes again (after a refill).
   void ForgetFile() { file_.clear(); }
 

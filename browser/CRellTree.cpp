@@ -87,6 +87,13 @@ void CRellTree::LoadVolumes() {
   quiet_ = false;
 }
 
+QStringList CRellTree::VolumeRoots() const {
+  QStringList roots;
+  if (!computer_) return roots;
+  for (int i = 0; i < computer_->childCount(); ++i) roots.append(computer_->child(i)->data(0, kPathRole).toString());
+  return roots;
+}
+
 QIcon CRellTree::FolderIcon(const QString& path, bool open) const {
   if (path == home_) return IconTheme::Get(QStringLiteral("user-home"), QStringLiteral("folder"));
   return open ? IconTheme::Get(QStringLiteral("folder-open"), QStringLiteral("folder"))

@@ -41,6 +41,9 @@ class CRellTree : public QTreeWidget {
   // The node of a path, or null when it is not in the tree (yet).
   QTreeWidgetItem* ItemOf(const QString& folder) const;
 
+  // The volumes' root folders, as the tree shows them.
+  QStringList VolumeRoots() const;
+
   // Whether background probes are still pending.
   bool probing() const;
 

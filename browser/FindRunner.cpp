@@ -3,6 +3,7 @@
 #include <QMessageBox>
 #include <QScrollArea>
 
+#include "browser/CRellTree.h"
 #include "browser/CTabCtrl.h"
 #include "browser/CRellTree.h"
 #include "browser/UiYield.h"
@@ -14,6 +15,7 @@
 #include "find/BuildCriteria.h"
 #include "find/FindFilesTab.h"
 #include "find/FindJob.h"
+#include "find/LookInChoices.h"
 #include "platform/DirEntry.h"
 #include "platform/FolderReader.h"
 #include "platform/NativePath.h"
@@ -29,7 +31,11 @@ class WindowFindSink : public find::FindSink {
  public:
   explicit WindowFindSink(frmMain* window) : window_(window), list_(window->list()), builder_(&list_->model()) {}
 
-  void startFill() override { list_->beginFill(); }
+  // The fill clears the found noun, so it is set after it.
+  void startFill() override {
+    list_->beginFill();
+    list_->model().setFoundNoun(QStringLiteral("file"));
+  }
   void addRow(const platform::DirEntry& entry, const QString& folder, const QString&) override {
     builder_.add(entry, folder);
   }
@@ -38,7 +44,11 @@ class WindowFindSink : public find::FindSink {
     list_->finishFill();
     finished_ = true;
   }
-  void showJobStatus(int mode, const QString& text) override { window_->ShowJobStatus(mode, text); }
+  void showJobStatus(int mode, const QString& text) override {
+    // The list's own end-of-fill status comes first: the summary must stand.
+    if (mode == find::kStatusFindEnd) finish();
+    window_->ShowJobStatus(mode, text);
+  }
   void yield() override {
     if (yield_.due()) list_->refresh();
     yield_();
@@ -46,6 +56,7 @@ class WindowFindSink : public find::FindSink {
 
   void finish() {
     if (!finished_) list_->finishFill();
+    finished_ = true;
   }
 
  private:
@@ -79,6 +90,7 @@ FindRunner::FindRunner(frmMain* window) : QObject(window), window_(window), tab_
   connect(window->tree(), &CRellTree::FolderSelected, tab_,
           [this](const QString& folder) { tab_->followFolder(folder.isEmpty() ? kRootName : folder); });
   window->SetAutoFindHandler([this](const QString& folder) { RunFind(folder); });
+  connect(window, &frmMain::ListFilled, this, &FindRunner::UpdateLookIn);
   connect(window->list(), &CRellList::FileSelected, this, [this](const QString& path, bool) {
     platform::DirEntry e;
     if (window_->mode() != core::kModeDrives && platform::StatPath(path, &e))
@@ -86,7 +98,19 @@ FindRunner::FindRunner(frmMain* window) : QObject(window), window_(window), tab_
   });
 }
 
-void FindRunner::LoadValues() { tab_->setValues(window_->settings().find); }
+void FindRunner::LoadValues() {
+  tab_->setValues(window_->settings().find);
+  UpdateLookIn();
+}
+
+void FindRunner::UpdateLookIn() {
+  // Recent: the finds of this run, then the folders browsed, newest first.
+  QStringList recent = recent_;
+  const QStringList visited = window_->history().entries();
+  for (auto it = visited.crbegin(); it != visited.crend(); ++it) recent.append(*it);
+  tab_->setLookInItems(find::LookInChoices(QStringLiteral("Computer"), window_->listFolder(),
+                                           window_->tree()->VolumeRoots(), recent));
+}
 
 void FindRunner::StoreValues() { window_->settings().find = tab_->values(); }
 
@@ -111,10 +135,12 @@ bool FindRunner::RunFind(const QString& folder) {
                           QStringLiteral(" - Find: ") + findText);
   tab_->lookInUsed();
   window_->SwitchMode(core::kModeFind);
-  window_->list()->model().setFoundNoun(QStringLiteral("file"));
+  window_->list()->model().setPathBases(criteria.locations);
   WindowFindSink sink(window_);
   find::FindJob::Run(criteria, sink, true);
   sink.finish();
+  find::RememberLocation(&recent_, values.lookIn);
+  UpdateLookIn();
   return true;
 }
 

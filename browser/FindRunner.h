@@ -1,6 +1,7 @@
 #pragma once
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 namespace find {
 class FindFilesTab;
@@ -27,10 +28,14 @@ class FindRunner : public QObject {
   // Runs a find over the tab's criteria; `folder` replaces "Look in" when
   // given. False when the criteria were refused or a job is running.
   bool RunFind(const QString& folder = QString());
+  // Offers in "Look in" the tree's root, the folder shown, the volumes and
+  // the recent locations.
+  void UpdateLookIn();
 
  private:
   frmMain* window_;
   find::FindFilesTab* tab_;
+  QStringList recent_;  // "Look in" of the finds run, newest first
 };
 
 }  // namespace browser

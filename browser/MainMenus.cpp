@@ -107,6 +107,10 @@ MainMenus::MainMenus(QMenuBar* bar, QObject* parent) : QObject(parent), bar_(bar
   menShowPanel->setCheckable(true);
   menAltColor = AddAction(menView, QStringLiteral("Alternate &Color for Find Results"), "menAltColor");
   menAltColor->setCheckable(true);
+  menSortFoldersApart = AddAction(menView, QStringLiteral("Sort &Folders Apart"), "menSortFoldersApart");
+  menSortFoldersApart->setCheckable(true);
+  menRelPath = AddAction(menView, QStringLiteral("Relative Pat&hs in Find Results"), "menRelPath");
+  menRelPath->setCheckable(true);
   menView->addSeparator()->setObjectName(QStringLiteral("sepView2"));
   menRefresh = AddAction(menView, QStringLiteral("&Refresh"), "menRefresh");
   menRefresh->setShortcut(QKeySequence(Qt::Key_F5));

@@ -58,6 +58,8 @@ class MainMenus : public QObject {
   QList<QAction*> menListStyle;
   QAction* menShowPanel;
   QAction* menAltColor;
+  QAction* menSortFoldersApart;  // "SortFoldersApart"
+  QAction* menRelPath;           // "RelPath"
   QAction* menRefresh;
   QAction* menResetDefaults;
 

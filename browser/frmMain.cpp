@@ -26,6 +26,7 @@
 #include "browser/FileOpsRunner.h"
 #include "browser/RenameRunner.h"
 #include "browser/FindRunner.h"
+#include "browser/ListMenuRunner.h"
 #include "browser/VersionRunner.h"
 #include "browser/MediaRunner.h"
 #include "browser/ReportRunner.h"
@@ -134,6 +135,7 @@ void frmMain::BuildUi() {
   new FileOpsRunner(this);
   new ReportRunner(this);
   new RenameRunner(this);
+  new ListMenuRunner(this);
 
   // Escape must reach the main window before any control (the window previews keys).
   qApp->installEventFilter(this);
@@ -167,6 +169,17 @@ void frmMain::ConnectMenus() {
   connect(m->menAltColor, &QAction::triggered, this, [this](bool on) {
     Record().altColor = on;
     list_->setAlternateColor(on);
+  });
+  connect(m->menSortFoldersApart, &QAction::triggered, this, [this](bool on) {
+    settings_.settings.sortFoldersApart = on;
+    list_->model().setGrouping(on);
+    // The group marks are part of each row's keys: the rows are made again.
+    if (mode_ != core::kModeFind) flow_->FillCurrent();
+  });
+  connect(m->menRelPath, &QAction::triggered, this, [this](bool on) {
+    settings_.settings.relPath = on;
+    list_->model().setRelativePaths(on);
+    list_->refresh();
   });
   connect(m->menRefresh, &QAction::triggered, this, [this] {
     tree_->RefreshFolder(listFolder_);
@@ -224,6 +237,7 @@ void frmMain::Load() {
   const QRect area = screen ? screen->availableGeometry() : QRect(0, 0, 1024, 768);
   defaults_ = core::DefaultsContext::ForScreen(area.width(), area.height());
   defaults_.windowColor = ColorRef(palette().color(QPalette::Base));
+  defaults_.highlightColor = ColorRef(palette().color(QPalette::Highlight));
   settings_ = core::DefaultSettings(defaults_);
   mode_ = core::kModeBrowse;
   list_->setMode(mode_, Record());
@@ -260,6 +274,11 @@ void frmMain::ApplySettings() {
 
   list_->setAlternateRowColor(Displayable(FromColorRef(g.findBackColor)));
   list_->setSelectedRowColor(Displayable(FromColorRef(g.selRowColor)));
+
+  list_->model().setGrouping(settings_.settings.sortFoldersApart.on());
+  list_->model().setRelativePaths(settings_.settings.relPath.on());
+  menus_->menSortFoldersApart->setChecked(settings_.settings.sortFoldersApart.on());
+  menus_->menRelPath->setChecked(settings_.settings.relPath.on());
 
   tree_->setStyles(settings_.styles.treeStyle);
   list_->setStyles(settings_.styles.listStyle);
@@ -299,6 +318,13 @@ bool frmMain::KeyHeld() const { return keys_->held(); }
 
 void frmMain::FillList(const QString& folder) {
   if (closePending_) return;  // the window is on its way out
+  if (core::JobFlags::Busy()) {
+    // Whatever asked (Refresh, a reset, a file operation, a re-entrant
+    // click), rows of two jobs must never mix: stop the running one and
+    // leave the fill to the browse timer.
+    flow_->DeferFill();
+    return;
+  }
   if (folder.isEmpty()) {
     RunFill(core::kModeDrives, folder);
   } else if (mode_ == core::kModeFind && flow_->autoFind() && autoFind_) {
@@ -389,6 +415,18 @@ void frmMain::UpdateHistoryMenu() {
 }
 
 void frmMain::ResetToDefaults() {
+  if (core::JobFlags::Busy()) {
+    // The reset switches the list's columns: not under a running fill.
+    core::JobFlags::RequestStop();
+    if (!resetPending_) {
+      resetPending_ = true;
+      QTimer::singleShot(BrowseFlow::kDelayMs, this, [this] {
+        resetPending_ = false;
+        ResetToDefaults();
+      });
+    }
+    return;
+  }
   core::ResetToDefaults(settings_, defaults_);
   ApplySettings();
   flow_->FillCurrent();
@@ -450,12 +488,7 @@ void frmMain::closeEvent(QCloseEvent* event) {
   }
   flow_->browseTimer()->stop();
   flow_->versionTimer()->stop();
-  if (!SaveSettingsOnce()) {
-    closePending_ = false;
-    finalClose_ = false;
-    event->ignore();
-    return;
-  }
+  SaveSettingsOnce();  // a failure is said in the status line; the window closes all the same
   event->accept();
 }
 
@@ -494,19 +527,14 @@ void frmMain::CollectSettings() {
   finder_->StoreValues();
 }
 
-bool frmMain::SaveSettingsOnce() {
-  if (settingsSaved_ || !options_.saveAtExit) return true;
+void frmMain::SaveSettingsOnce() {
+  if (settingsSaved_ || !options_.saveAtExit) return;
   settingsSaved_ = true;
   CollectSettings();
   const core::SettingsResult result = core::SaveSettingsAtExit(profile_, settings_);
   ++saveCount_;
   Q_EMIT SettingsSaved(result.ok);
-  if (result.ok || saveErrorShown_) return true;
-  // Shown once: the close is held so the message can be read; the next close goes through.
-  saveErrorShown_ = true;
-  status_->ShowStatus(QStringLiteral("Settings not saved (") + result.error +
-                      QStringLiteral("). Close again to quit without them."));
-  return false;
+  if (!result.ok) status_->ShowStatus(QStringLiteral("Settings not saved (") + result.error + QStringLiteral(")."));
 }
 
 }  // namespace browser

@@ -95,7 +95,7 @@ class frmMain : public QMainWindow {
   void ConnectMenus();
   void ApplySettings();
   void CollectSettings();
-  bool SaveSettingsOnce();
+  void SaveSettingsOnce();
   void FillList(const QString& folder);
   void RunFill(int mode, const QString& folder);
   void ShowFolderInfo(const QString& folder);
@@ -136,7 +136,7 @@ class frmMain : public QMainWindow {
   bool closePending_ = false;
   bool finalClose_ = false;
   bool settingsSaved_ = false;
-  bool saveErrorShown_ = false;
+  bool resetPending_ = false;  // a reset waits for the running job
   int saveCount_ = 0;
 };
 

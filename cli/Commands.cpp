@@ -28,7 +28,7 @@ std::span<const Command> AllCommands() {
        "[--in FOLDER]... [--subfolders] [--named TEXT] [--exact] [--size-min N] [--size-max N] "
        "[--size-unit bytes|kb|mb] [--date-kind created|modified|accessed|created-or-modified] [--date-from TEXT] "
        "[--date-to TEXT] [--not] [--attr LETTERS] [--not-attr LETTERS] [--containing TEXT] [--case] [--hex] "
-       "[--exclude TEXT]... [--threads N] [--sort COLUMN[:asc|:desc]] [--no-header]",
+       "[--exclude TEXT]... [--threads N] [--sort COLUMN[:asc|:desc]] [--no-group] [--rel-path] [--no-header]",
        "find files as the Find Files tab does (a group counts when one of its options is given; sizes in KB "
        "unless --size-unit; contents read on N threads, one per core by default; summary on standard error)",
        RunFindCommand},

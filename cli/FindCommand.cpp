@@ -148,6 +148,7 @@ int RunFindCommand(CliContext& ctx) {
   ArgParser parser;
   AddFindOptions(&parser);
   parser.option(QStringLiteral("threads"));
+  parser.flag(QStringLiteral("rel-path"));
   browser::ListModel model;
   if (!PrepareListModel(ctx, core::kModeFind, &parser, &model, "find")) return kExitUsage;
   if (!parser.positional().isEmpty()) {
@@ -177,6 +178,8 @@ int RunFindCommand(CliContext& ctx) {
     return kExitUsage;
   }
   criteria.threads = threads;
+  model.setPathBases(criteria.locations);
+  model.setRelativePaths(parser.isSet(QStringLiteral("rel-path")));
   const bool sort = parser.isSet(QStringLiteral("sort"));
   const bool header = !parser.isSet(QStringLiteral("no-header"));
   CliFindSink sink(&model, ctx.out, ctx.err, !sort, header);

@@ -18,29 +18,6 @@ quint32 Tint(quint32 color, int r, int g, int b, int percent) {
   return quint32(mix(cr, r)) | (quint32(mix(cg, g)) << 8) | (quint32(mix(cb, b)) << 16);
 }
 
-template <typename T>
-void KeepInRange(T& value, T lo, T hi, T fallback) {
-  if (value < lo || value > hi) value = fallback;
-}
-
-// Puts values a hand-edited file may hold out of range back to their default,
-// so that no index from the file reaches a table it does not fit.
-void Sanitize(AppSettings& s, const AppSettings& d) {
-  KeepInRange<qint32>(s.general.winState, 0, 2, d.general.winState);
-  KeepInRange<qint16>(s.find.dateKind, 0, 3, d.find.dateKind);
-  KeepInRange<qint16>(s.find.sizeUnit, 0, 2, d.find.sizeUnit);
-  KeepInRange<qint16>(s.report.optSep, 0, 32767, d.report.optSep);
-  for (size_t m = 0; m < s.lists.size(); ++m) {
-    ModeRecord& r = s.lists[m];
-    const ModeRecord& def = d.lists[m];
-    KeepInRange<qint32>(r.sizeFormat, 0, 8, def.sizeFormat);
-    KeepInRange<qint16>(r.dateStyle, 0, 3, def.dateStyle);
-    KeepInRange<qint16>(r.timeStyle, 0, 3, def.timeStyle);
-    const bool flagsOnly = std::all_of(r.visible.cbegin(), r.visible.cend(), [](QChar c) { return c == u'0' || c == u'1'; });
-    if (r.visible.size() != def.defaultVisible.size() || !flagsOnly) r.visible = def.visible;
-  }
-}
-
 }  // namespace
 
 DefaultsContext DefaultsContext::ForScreen(int screenWidth, int screenHeight) {
@@ -60,7 +37,6 @@ QRect DefaultWindowRect(int screenWidth, int screenHeight) {
 }
 
 quint32 DefaultFindBackColor(quint32 windowColor) { return Tint(windowColor, 51, 102, 204, 8); }
-quint32 DefaultSelRowColor(quint32 windowColor) { return Tint(windowColor, 51, 153, 255, 25); }
 
 AppSettings DefaultSettings(const DefaultsContext& context) {
   AppSettings s;
@@ -71,7 +47,7 @@ AppSettings DefaultSettings(const DefaultsContext& context) {
   s.general.winH = window.height();
   s.general.startPath = context.homeFolder;
   s.general.findBackColor = qint32(DefaultFindBackColor(context.windowColor));
-  s.general.selRowColor = qint32(DefaultSelRowColor(context.windowColor));
+  s.general.selRowColor = qint32(context.highlightColor);
   s.find.lookIn = context.homeFolder;
   for (int m = 0; m < kModeCount; ++m) s.lists[size_t(m)] = DefaultModeRecord(m);
   return s;
@@ -203,9 +179,6 @@ SettingsResult IniWR(CProfile& p, AppSettings& s, QStringView mode) {
     return result;
   }
 
-  AppSettings defaults;
-  if (reading) defaults = s;  // what each value falls back to when out of range
-
   FindTabValuesWR(p, s.find);
   GeneralWR(p, s.general);
   OptionsWR(p, s.settings);
@@ -218,7 +191,7 @@ SettingsResult IniWR(CProfile& p, AppSettings& s, QStringView mode) {
   NumberedListWR(p, QStringLiteral("Favorites"), QStringLiteral("Fav"), s.favorites);
 
   if (reading) {
-    Sanitize(s, defaults);
+    // Values come back as written; the tables they index guard themselves.
     result.used = true;
     if (ownBatch) p.TakeBatch();
   } else if (ownBatch) {

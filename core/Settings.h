@@ -22,7 +22,8 @@ struct DefaultsContext {
   int screenWidth = 1024;
   int screenHeight = 768;
   QString homeFolder;              // start folder, ends in "/"
-  quint32 windowColor = 0xFFFFFF;  // the system window colour
+  quint32 windowColor = 0xFFFFFF;     // the system window colour
+  quint32 highlightColor = 0xD77800;  // the system selection colour
 
   // The current user's home folder and a white window.
   static DefaultsContext ForScreen(int screenWidth, int screenHeight);
@@ -43,7 +44,7 @@ struct AppSettings {
     qint32 panelHeight = 200;
     QString startPath;       // folder shown at start, ends in "/"
     qint32 findBackColor = 0;  // COLORREF of alternate find rows
-    qint32 selRowColor = 0;    // COLORREF of the selected row
+    qint32 selRowColor = 0;    // COLORREF of the selected row (its text is chosen to read on it)
     qint32 lastTab = 0;
     qint32 lastTabFind = 0;
     qint32 lastTabRep = 0;
@@ -120,9 +121,9 @@ struct AppSettings {
 
 // The restored window rectangle by default: at most 800 x 600, centred.
 QRect DefaultWindowRect(int screenWidth, int screenHeight);
-// Light tints of the window colour for alternate find rows and the selection.
+// A light tint of the window colour for alternate find rows. The selected
+// row takes the system's selection colour unless "SelRowColor" says otherwise.
 quint32 DefaultFindBackColor(quint32 windowColor);
-quint32 DefaultSelRowColor(quint32 windowColor);
 
 AppSettings DefaultSettings(const DefaultsContext& context);
 // "&Reset to Defaults...": every setting back to its default, file untouched.
@@ -137,9 +138,10 @@ struct SettingsResult {
 // Walks the whole catalogue in its order, reading ("read") or writing
 // ("write") every key; section "Find" comes first. Reading stops at once,
 // leaving every default, when the file is absent or smaller than
-// kMinSettingsFileSize; values out of their range are put back to their
-// default. Without an open batch on the profile, the file is read once and
-// (writing) saved once, atomically.
+// kMinSettingsFileSize. Every value is kept as written, also one out of the
+// range its menu offers: whatever indexes a table with it checks. Without an
+// open batch on the profile, the file is read once and (writing) saved once,
+// atomically.
 SettingsResult IniWR(CProfile& profile, AppSettings& settings, QStringView mode);
 
 // One routine per group; each serves both directions.

@@ -15,6 +15,7 @@
 #include <QUrl>
 
 #include "browser/list/CRellListHeader.h"
+#include "core/ColorContrast.h"
 #include "platform/Clock.h"
 #include "platform/NativePath.h"
 
@@ -162,6 +163,14 @@ void CRellList::setSelectedRowColor(const QColor& color) {
   viewport()->update();
 }
 
+QColor CRellList::SelectedTextColor() const {
+  // The palette's selected-text colour where it reads on the row's colour
+  // (a chosen "SelRowColor" may be light), else black or white.
+  auto ref = [](const QColor& c) { return quint32(c.red()) | quint32(c.green()) << 8 | quint32(c.blue()) << 16; };
+  const quint32 text = core::ReadableTextColor(ref(selRowColor_), ref(palette().color(QPalette::HighlightedText)));
+  return QColor(int(text & 0xFF), int((text >> 8) & 0xFF), int((text >> 16) & 0xFF));
+}
+
 // ---- selection ----
 
 void CRellList::selectAll() {
@@ -284,7 +293,7 @@ void CRellList::paintEvent(QPaintEvent*) {
   const int gutter = lineNumberWidth();
   const bool icons = styleOption(kShowIcons);
   const bool wholeRow = styleOption(kHighlightRow);
-  const QColor selText = pal.color(QPalette::HighlightedText);
+  const QColor selText = SelectedTextColor();
   const int rowWidth = totalWidth() - gutter;
   static QHash<QString, QIcon> iconCache;
 

@@ -67,6 +67,9 @@ class CRellList : public QAbstractScrollArea {
   void setAlternateColor(bool on);
   void setAlternateRowColor(const QColor& color);
   void setSelectedRowColor(const QColor& color);
+  QColor selectedRowColor() const { return selRowColor_; }
+  // The text colour of selected cells: readable on the selected row's colour.
+  QColor SelectedTextColor() const;
 
   void selectAll();
   void invertSelection();
@@ -74,6 +77,8 @@ class CRellList : public QAbstractScrollArea {
   // Fits one column (layout index) to its caption and the rows on screen.
   void fitColumn(int column);
   void startRename();
+  // As Enter on the focus row: opens the file or browses into the folder.
+  void openFocus() { activate(model_.focus()); }
 
   int topIndex() const { return model_.top(); }
   int focusPosition() const { return model_.focus(); }

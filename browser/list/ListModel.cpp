@@ -87,8 +87,12 @@ void ListModel::setMode(int mode, const core::ModeRecord& record) {
   const QString sizeColumns = QString::fromLatin1(def.sizeColumns);
   columns_.define(QString::fromLatin1(def.columns), sizeColumns);
   sizeColumns_ = sizeColumns.split(u',');
-  columns_.setColumnOrder(record.positions.isEmpty() ? QString::fromLatin1(def.defaultOrder) : record.positions);
-  columns_.setVisibility(record.visible.isEmpty() ? QString::fromLatin1(def.defaultVisible) : record.visible);
+  // An empty text is stored as one blank: blank or not, it means the default layout.
+  columns_.setColumnOrder(record.positions.trimmed().isEmpty() ? QString::fromLatin1(def.defaultOrder)
+                                                               : record.positions);
+  columns_.setVisibility(UsableMask(record.visible, QString::fromLatin1(def.defaultVisible), columns_.count()));
+  appliedOrder_ = columns_.columnOrder();
+  appliedVisible_ = columns_.visibility();
   sortOrder_ = quint32(record.sortOrder);
   setFormats(record.sizeFormat, record.dateStyle, record.timeStyle);
   setAge(record.age);
@@ -102,8 +106,18 @@ void ListModel::storeInto(core::ModeRecord* record) const {
   record->dateStyle = qint16(dateStyle_);
   record->timeStyle = qint16(timeStyle_);
   record->age = age_;
-  record->positions = columns_.columnOrder();
-  record->visible = columns_.visibility();
+  // A layout the user left alone keeps the text it was read from.
+  if (columns_.columnOrder() != appliedOrder_) record->positions = columns_.columnOrder();
+  if (columns_.visibility() != appliedVisible_) record->visible = columns_.visibility();
+}
+
+QString ListModel::UsableMask(const QString& mask, const QString& defaultMask, int columns) {
+  // A short mask (another version's columns) leaves the columns it does not
+  // name as the default has them; a mask that would hide every column is
+  // not one anybody chose.
+  QString out = mask.left(columns);
+  for (int i = int(out.size()); i < columns; ++i) out.append(i < defaultMask.size() ? defaultMask[i] : QChar(u'1'));
+  return out.contains(u'1') ? out : defaultMask;
 }
 
 bool ListModel::isSizeColumn(int column) const {
@@ -204,12 +218,22 @@ void ListModel::appendDataText(QString* out, RowId id, int dataIndex, bool raw) 
       break;
     }
     case core::kSlotAttr: out->append(core::AttributeString(r.attributes)); break;
-    case core::kSlotPath:
-      if (raw) out->append(rows_.folder(r.folder));
-      else AppendDisplay(out, rows_.folder(r.folder));
+    case core::kSlotPath: {
+      QStringView folder = rows_.folder(r.folder);
+      if (relativePaths_) folder = folder.mid(RelativeStart(folder));
+      if (raw) out->append(folder);
+      else AppendDisplay(out, folder);
       break;
+    }
     default: break;
   }
+}
+
+qsizetype ListModel::RelativeStart(QStringView folder) const {
+  qsizetype start = 0;
+  for (const QString& base : pathBases_)
+    if (base.size() > start && folder.startsWith(base)) start = base.size();
+  return start;
 }
 
 QString ListModel::dataText(RowId id, int dataIndex) const {

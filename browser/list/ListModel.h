@@ -1,5 +1,6 @@
 #pragma once
 #include <QString>
+#include <QStringList>
 #include <QStringView>
 #include <functional>
 #include <memory>
@@ -41,8 +42,11 @@ class ListModel {
   void setColumnOrder(QStringView order) { columns_.setColumnOrder(order); }
   QString visibility() const { return columns_.visibility(); }
   void setVisibility(QStringView mask) { columns_.setVisibility(mask); }
-  // Writes sort order, column order and visibility back into a record.
+  // Writes sort order, column order and visibility back into a record; the
+  // column texts only where the user changed what setMode applied.
   void storeInto(core::ModeRecord* record) const;
+  // The visibility mask that a stored "VisList" stands for with `columns` columns.
+  static QString UsableMask(const QString& mask, const QString& defaultMask, int columns);
 
   // ---- formats ----
   void setFormats(int sizeFormat, int dateStyle, int timeStyle);
@@ -58,6 +62,12 @@ class ListModel {
   bool isSizeColumn(int column) const;
 
   // ---- rows ----
+  // "Path" relative to the location a row was found under ("RelPath"): the
+  // longest of `bases` that the row's folder begins with is left out.
+  void setPathBases(const QStringList& bases) { pathBases_ = bases; }
+  const QStringList& pathBases() const { return pathBases_; }
+  void setRelativePaths(bool on) { relativePaths_ = on; }
+  bool relativePaths() const { return relativePaths_; }
   // Folder grouping: rows added while it is on carry the group mark.
   void setGrouping(bool on) { grouping_ = on; }
   bool grouping() const { return grouping_; }
@@ -159,6 +169,7 @@ class ListModel {
   void clampFocus();
   void ensureFocusVisible();
   void recountSelection();
+  qsizetype RelativeStart(QStringView folder) const;
 
   int mode_ = core::kModeBrowse;
   ColumnLayout columns_;
@@ -178,6 +189,9 @@ class ListModel {
   bool jump_ = false;
   TypeAhead typeAhead_;
   QString foundNoun_;
+  QString appliedOrder_, appliedVisible_;
+  QStringList pathBases_;
+  bool relativePaths_ = false;  // the layout setMode applied
   mutable quint64 cellsFormatted_ = 0;
   std::function<void(const QString&)> statusHook_;
   std::function<void(bool)> busyHook_;

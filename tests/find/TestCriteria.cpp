@@ -7,6 +7,7 @@
 #include "find/DateQuickFilter.h"
 #include "find/DescribeCriteria.h"
 #include "find/HexString.h"
+#include "find/LookInChoices.h"
 #include "find/NamePatterns.h"
 #include "find/SizeBounds.h"
 #include "platform/FileTime.h"
@@ -40,6 +41,30 @@ class TestCriteria : public QObject {
   void initTestCase() {
     testsupport::PinLocale();
     QVERIFY(dir_.isValid());
+  }
+
+  // "Look in": root, folder shown, volumes, recent; each once, folders with their separator.
+  void lookInChoices_data() {
+    QTest::addColumn<QString>("current");
+    QTest::addColumn<QStringList>("recent");
+    QTest::addColumn<QStringList>("items");
+    QTest::newRow("plain") << "/home/me/" << QStringList{"/srv/", "/tmp"}
+                           << QStringList{"Computer", "/home/me/", "/", "/home/", "/srv/", "/tmp/"};
+    QTest::newRow("drives shown") << "" << QStringList{} << QStringList{"Computer", "/", "/home/"};
+    QTest::newRow("each once") << "/home" << QStringList{"/home/", "/x/", "/x", "Computer", " "}
+                               << QStringList{"Computer", "/home/", "/", "/x/"};
+    QTest::newRow("recent capped") << "/a/" << QStringList{"/r1", "/r2", "/r3", "/r4", "/r5", "/r6", "/r7", "/r8", "/r9", "/r10", "/r11"}
+                                   << QStringList{"Computer", "/a/", "/", "/home/", "/r1/", "/r2/", "/r3/", "/r4/", "/r5/",
+                                                  "/r6/", "/r7/", "/r8/", "/r9/", "/r10/"};
+  }
+  void lookInChoices() {
+    QFETCH(QString, current);
+    QFETCH(QStringList, recent);
+    QTEST(find::LookInChoices(QStringLiteral("Computer"), current, {"/", "/home/"}, recent), "items");
+    QStringList kept{"/b", "/a"};
+    find::RememberLocation(&kept, QStringLiteral("/a"), 2);
+    find::RememberLocation(&kept, QStringLiteral("/c"), 2);
+    QCOMPARE(kept, (QStringList{"/c", "/a"}));
   }
 
   void split_data() {

@@ -1,6 +1,7 @@
 #include <QtTest>
 
 #include "browser/list/ColumnLayout.h"
+#include "browser/list/ListModel.h"
 #include "core/ListModes.h"
 #include "tests/TestSupport.h"
 
@@ -137,6 +138,61 @@ class tst_ColumnLayout : public QObject {
     QStringList captions;
     for (int c : layout.visibleInOrder()) captions.append(layout.column(c).caption);
     QTEST(captions.join(u','), "visibleCaptions");
+  }
+
+  // A mode's stored "PosList" and "VisList" as the list applies them, and
+  // what it writes back when the user changed nothing: the texts as read.
+  void storedLayout_data() {
+    QTest::addColumn<int>("mode");
+    QTest::addColumn<QString>("positions");
+    QTest::addColumn<QString>("visible");
+    QTest::addColumn<QString>("orderStart");
+    QTest::addColumn<QString>("shown");
+    const QString all = "Name,Ext,Size,Type,Created,Modified,Accessed,Attr";
+    QTest::newRow("blank order: Find default, Path third")
+        << 1 << " " << "111111111" << "Name.100,Ext.38,Path.100,Size.50,Type.50," << all + ",Path";
+    QTest::newRow("whitespace order") << 1 << " \t " << "111111111" << "Name.100,Ext.38,Path.100," << all + ",Path";
+    QTest::newRow("empty order") << 0 << "" << "11111111" << "Name.100,Ext.38,Size.50,Type.80," << all;
+    QTest::newRow("blank drives order sets widths")
+        << 2 << " " << "11111111" << "Name.130,Type.110," << "Name,Type,Total Size,Free Space,Per Cluster,Vol Serial,File System";
+    QTest::newRow("own order") << 0 << "Ext.40,Name" << "11111111" << "Ext.40,Name.80,Size.80," << all;
+    QTest::newRow("short mask: the rest as by default")
+        << 0 << "" << "10" << "Name.100," << "Name,Size,Type,Created,Modified,Accessed,Attr";
+    QTest::newRow("mask hiding all: default") << 0 << "" << "00000000" << "Name.100," << all;
+    QTest::newRow("longer mask") << 0 << "" << "111111110000" << "Name.100," << all;
+    QTest::newRow("other characters hide")
+        << 0 << "" << "12111111" << "Name.100," << "Name,Size,Type,Created,Modified,Accessed,Attr";
+  }
+  void storedLayout() {
+    QFETCH(int, mode);
+    QFETCH(QString, positions);
+    QFETCH(QString, visible);
+    core::ModeRecord record = core::DefaultModeRecord(mode);
+    record.positions = positions;
+    record.visible = visible;
+    browser::ListModel model;
+    model.setMode(mode, record);
+    const QString order = model.columnOrder();
+    QFETCH(QString, orderStart);
+    QVERIFY2(order.startsWith(orderStart), qPrintable(order));
+    QStringList captions;
+    for (int c : model.columns().visibleInOrder()) captions.append(model.columns().column(c).caption);
+    captions.sort();
+    QFETCH(QString, shown);
+    QStringList wanted = shown.split(u',');
+    wanted.sort();
+    QCOMPARE(captions, wanted);
+
+    core::ModeRecord back = record;
+    model.storeInto(&back);
+    QCOMPARE(back.positions, positions);
+    QCOMPARE(back.visible, visible);
+    // What the user changes is stored.
+    model.columns().setVisible(0, !model.columns().column(0).visible);
+    model.setColumnOrder(u"Type");
+    model.storeInto(&back);
+    QVERIFY(back.positions.startsWith(QStringLiteral("Type.")));
+    QCOMPARE(back.visible, model.visibility());
   }
 
   void moveColumn() {

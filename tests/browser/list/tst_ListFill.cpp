@@ -157,6 +157,34 @@ class tst_ListFill : public QObject {
     remove(native.constData());
   }
 
+  // "Path" of a find row, as the list shows it with and without "RelPath".
+  void relativePaths_data() {
+    QTest::addColumn<QStringList>("bases");
+    QTest::addColumn<bool>("relative");
+    QTest::addColumn<QString>("folder");
+    QTest::addColumn<QString>("path");
+    const QStringList one{"/data/"};
+    QTest::newRow("off") << one << false << "/data/a/b/" << "/data/a/b/";
+    QTest::newRow("below the location") << one << true << "/data/a/b/" << "a/b/";
+    QTest::newRow("the location itself") << one << true << "/data/" << "";
+    QTest::newRow("a name that only begins alike") << one << true << "/database/x/" << "/database/x/";
+    QTest::newRow("the longest of nested locations") << QStringList{"/", "/data/", "/data/a/"} << true << "/data/a/b/"
+                                                     << "b/";
+    QTest::newRow("no location") << QStringList{} << true << "/data/a/" << "/data/a/";
+  }
+  void relativePaths() {
+    QFETCH(QStringList, bases);
+    QFETCH(bool, relative);
+    QFETCH(QString, folder);
+    ListModel m;
+    m.setMode(core::kModeFind, core::DefaultModeRecord(core::kModeFind));
+    m.setPathBases(bases);
+    m.setRelativePaths(relative);
+    browser::RowBuilder(&m).add(listtest::Entry(QStringLiteral("f.txt")), folder);
+    QTEST(m.dataText(m.rowAt(0), core::kSlotPath), "path");
+    QCOMPARE(m.path(m.rowAt(0)), folder + QStringLiteral("f.txt"));  // the real path stays whole
+  }
+
   // "@" in an argument stands for the test folder (a lone "@" for no folder at
   // all); without one the folder comes last.
   void command_data() {

@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "browser/FolderHistory.h"
+#include "browser/InlineRename.h"
 #include "browser/JobStatus.h"
 #include "browser/KeyState.h"
 #include "browser/SubfolderReader.h"
@@ -155,6 +156,39 @@ class BrowserPartsTest : public QObject {
     QVERIFY(!SubfolderReader::HasAny(root + QStringLiteral("beta/")));
     QVERIFY(SubfolderReader::List(root + QStringLiteral("missing/")).isEmpty());
     QVERIFY(!SubfolderReader::HasAny(root + QStringLiteral("file.txt/")));
+  }
+
+  // F2 in the list: a new name in the same folder, never onto another entry.
+  void inlineRename_data() {
+    QTest::addColumn<QString>("from");
+    QTest::addColumn<QString>("to");
+    QTest::addColumn<QString>("error");  // empty: renamed
+    QTest::addColumn<QString>("after");  // the folder's entries
+    const QString same = "a.txt,b.txt,sub";
+    QTest::newRow("file") << "a.txt" << "c.txt" << "" << "b.txt,c.txt,sub";
+    QTest::newRow("folder, given with its separator") << "sub/" << "renamed" << "" << "a.txt,b.txt,renamed";
+    QTest::newRow("case only") << "a.txt" << "A.TXT" << "" << "A.TXT,b.txt,sub";
+    QTest::newRow("onto a file") << "a.txt" << "b.txt" << "Cannot rename a.txt: \"b.txt\" already exists." << same;
+    QTest::newRow("onto a folder") << "a.txt" << "sub" << "Cannot rename a.txt: \"sub\" already exists." << same;
+    QTest::newRow("folder onto a file") << "sub/" << "b.txt" << "Cannot rename sub: \"b.txt\" already exists." << same;
+    QTest::newRow("a path") << "a.txt" << "sub/a.txt" << "\"sub/a.txt\" is not a valid name." << same;
+    QTest::newRow("dot dot") << "a.txt" << ".." << "\"..\" is not a valid name." << same;
+    QTest::newRow("empty") << "a.txt" << "" << "\"\" is not a valid name." << same;
+    QTest::newRow("vanished") << "gone.txt" << "c.txt" << "Cannot rename gone.txt: No such file or directory." << same;
+  }
+  void inlineRename() {
+    QFETCH(QString, from);
+    QFETCH(QString, to);
+    QTemporaryDir dir;
+    const QString root = dir.path() + u'/';
+    QVERIFY(testsupport::MakeFile(root + QStringLiteral("a.txt"), "aaa"));
+    QVERIFY(testsupport::MakeFile(root + QStringLiteral("b.txt"), "bbb"));
+    QVERIFY(testsupport::MakeFolder(root + QStringLiteral("sub")));
+    QTEST(browser::InlineRename(root + from, to), "error");
+    QTEST(QDir(root).entryList(QDir::AllEntries | QDir::NoDotAndDotDot, QDir::Name | QDir::IgnoreCase).join(u','),
+          "after");
+    QFile b(root + QStringLiteral("b.txt"));
+    if (b.open(QIODevice::ReadOnly)) QCOMPARE(b.readAll(), QByteArray("bbb"));
   }
 
   void subfolderOrder_data() {

@@ -1,12 +1,14 @@
 // A find started from the "Find Files" tab lists the same rows as the same
 // find from the command line (sorted by name, as the window sorts its
 // results), and bad criteria leave the list as it was.
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QProcess>
+#include <QRegularExpression>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTemporaryDir>
@@ -17,6 +19,7 @@
 #include "browser/frmMain.h"
 #include "browser/list/CRellList.h"
 #include "browser/list/ListPrinter.h"
+#include "browser/StatusLine.h"
 #include "core/JobFlags.h"
 #include "core/ListModes.h"
 #include "tests/TestSupport.h"
@@ -108,10 +111,76 @@ class FindInWindowTest : public QObject {
     QCOMPARE(Rows(WindowRows(w)), expected);
   }
 
+  // The summary stands after every find; the list's own status then says
+  // what was found.
+  void everyFindEndsWithItsSummary_data() {
+    QTest::addColumn<QString>("named");
+    QTest::addColumn<int>("hits");
+    QTest::newRow("no hits") << "*.zzz" << 0;
+    QTest::newRow("one hit") << "*.doc" << 1;
+    QTest::newRow("hits") << "*.txt" << 4;
+  }
+  void everyFindEndsWithItsSummary() {
+    QFETCH(QString, named);
+    QFETCH(int, hits);
+    frmMain w(frmMain::StartOptions{dir_.path() + QStringLiteral("/q3.ini"), tree_, false});
+    w.Load();
+    w.show();
+    w.ShowStartFolder();
+    w.findChild<QComboBox*>(QStringLiteral("cboNamed"))->setEditText(named);
+    w.findChild<QComboBox*>(QStringLiteral("cboLookIn"))->setEditText(tree_);
+    w.findChild<QCheckBox*>(QStringLiteral("chkNamed1"))->setChecked(true);
+    QTest::mouseClick(w.findChild<QPushButton*>(QStringLiteral("cmdFind")), Qt::LeftButton);
+    QCOMPARE(w.list()->model().rowCount(), hits);
+    const QString status = w.statusLine()->statusText();
+    const QRegularExpression summary(
+        QStringLiteral("^\\d+\\.\\d{3} sec \\(\\d+ folders scanned, %1 name hits\\)$").arg(hits));
+    QVERIFY2(summary.match(status).hasMatch(), qPrintable(status));
+    QCOMPARE(w.list()->model().statusText(),
+             hits == 1 ? QStringLiteral("1 file found") : QStringLiteral("%1 files found").arg(hits));
+  }
+
+  // "RelPath" shows Path below the location searched; "Look in" offers the
+  // tree's root, the folder shown, the volumes and the locations searched.
+  void relativePathsAndLookIn() {
+    frmMain w(frmMain::StartOptions{dir_.path() + QStringLiteral("/q4.ini"), tree_ + QStringLiteral("other"), false});
+    w.Load();
+    w.show();
+    w.ShowStartFolder();
+    auto* lookIn = w.findChild<QComboBox*>(QStringLiteral("cboLookIn"));
+    QStringList items;
+    for (int i = 0; i < lookIn->count(); ++i) items << lookIn->itemText(i);
+    QVERIFY2(items.size() >= 3, qPrintable(items.join(u'|')));
+    QCOMPARE(items.value(0), QStringLiteral("Computer"));
+    QCOMPARE(items.value(1), tree_ + QStringLiteral("other/"));
+    QVERIFY(items.contains(QStringLiteral("/")));
+
+    auto* relPath = w.findChild<QAction*>(QStringLiteral("menRelPath"));
+    QVERIFY(relPath);
+    relPath->trigger();
+    w.findChild<QComboBox*>(QStringLiteral("cboNamed"))->setEditText(QStringLiteral("*.txt"));
+    lookIn->setEditText(tree_);
+    w.findChild<QCheckBox*>(QStringLiteral("chkNamed1"))->setChecked(true);
+    QTest::mouseClick(w.findChild<QPushButton*>(QStringLiteral("cmdFind")), Qt::LeftButton);
+    const browser::ListModel& m = w.list()->model();
+    QStringList paths;
+    for (int i = 0; i < m.rowCount(); ++i) paths << m.dataText(m.rowAt(i), core::kSlotPath);
+    paths.sort();
+    QCOMPARE(paths, (QStringList{"", "other/", "sub/", "sub/deeper/"}));
+    relPath->trigger();
+    QCOMPARE(m.dataText(m.rowAt(0), core::kSlotPath).left(tree_.size()), tree_);
+    QVERIFY(!w.settings().settings.relPath.on());
+
+    items.clear();
+    for (int i = 0; i < lookIn->count(); ++i) items << lookIn->itemText(i);
+    QVERIFY2(items.contains(tree_), qPrintable(items.join(u'|')));
+    QCOMPARE(lookIn->currentText(), tree_);
+  }
+
   // "Look in" takes the browsed folder until the user types there; the next
   // find hands it back to the browsing.
   void lookInFollowsBrowsing() {
-    frmMain w(frmMain::StartOptions{dir_.path() + QStringLiteral("/q3.ini"), tree_, false});
+    frmMain w(frmMain::StartOptions{dir_.path() + QStringLiteral("/q5.ini"), tree_, false});
     w.Load();
     w.show();
     w.ShowStartFolder();

@@ -2,6 +2,11 @@
 // during a fill, Find mode, Escape, closing during a job, the info refresh,
 // and the settings round trip through a real start and exit.
 #include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QContextMenuEvent>
+#include <QLineEdit>
+#include <QMessageBox>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
@@ -16,6 +21,7 @@
 #include "browser/BrowseFlow.h"
 #include "browser/CRellTree.h"
 #include "browser/CTabCtrl.h"
+#include "browser/FindRunner.h"
 #include "browser/MainMenus.h"
 #include "browser/StatusLine.h"
 #include "browser/frmMain.h"
@@ -25,6 +31,8 @@
 #include "core/ListModes.h"
 #include "platform/FolderReader.h"
 #include "platform/NativePath.h"
+#include "preview/FileViewDocument.h"
+#include "preview/FileViewTab.h"
 #include "tests/TestSupport.h"
 
 using browser::frmMain;
@@ -69,6 +77,7 @@ class MainWindowTest : public QObject {
   QString many_;   // twenty sibling folders
   QString wide_;   // two hundred
   QString big_;    // a folder whose fill takes a while
+  QString mixed_;  // files and a folder whose names interleave
   QString ini_;
 
  private Q_SLOTS:
@@ -87,6 +96,9 @@ class MainWindowTest : public QObject {
     QVERIFY(testsupport::MakeFolder(root_ + QStringLiteral("small")));
     QVERIFY(testsupport::MakeFile(root_ + QStringLiteral("small/a.txt"), "hello"));
     QVERIFY(testsupport::MakeFile(root_ + QStringLiteral("small/b.txt"), "world"));
+    mixed_ = root_ + QStringLiteral("mixed/");
+    for (const char* f : {"a.txt", "c.txt"}) QVERIFY(testsupport::MakeFile(mixed_ + QLatin1String(f), "x"));
+    QVERIFY(testsupport::MakeFolder(mixed_ + QStringLiteral("b")));
     QVERIFY(testsupport::MakeFolder(big_));
     for (int i = 0; i < 40000; ++i) {
       QFile f(big_ + QStringLiteral("file%1.dat").arg(i));
@@ -474,19 +486,195 @@ class MainWindowTest : public QObject {
     QCOMPARE(again.fills[0].folder, platform::WithSeparator(QDir::homePath()));
   }
 
-  void aFailedSaveIsShownOnce() {
+  void aFailedSaveIsShownOnceAndTheWindowCloses() {
     // The settings folder cannot be made: a file stands in its place.
     const QString blocker = dir_.path() + QStringLiteral("/blocker");
     QVERIFY(testsupport::MakeFile(blocker, "not a folder"));
     Window win(blocker + QStringLiteral("/Quorvane.ini"), root_ + QStringLiteral("small"));
     QTRY_COMPARE(win.fills.size(), 1);
     QSignalSpy saved(&win.w, &frmMain::SettingsSaved);
-    QVERIFY(!win.w.close());
+    QVERIFY(win.w.close());
     QCOMPARE(saved.size(), 1);
     QCOMPARE(saved[0][0].toBool(), false);
     QVERIFY(win.w.statusLine()->statusText().startsWith(QStringLiteral("Settings not saved")));
     QVERIFY(win.w.close());
     QCOMPARE(saved.size(), 1);
+  }
+
+  // Whatever would refill the list while a job runs asks the job to stop
+  // and leaves the fill to the browse timer.
+  void noFillStartsWhileAJobRuns_data() {
+    QTest::addColumn<QString>("action");
+    QTest::newRow("Refresh") << "menRefresh";
+    QTest::newRow("Reset to Defaults") << "reset";
+    QTest::newRow("Sort Folders Apart") << "menSortFoldersApart";
+    QTest::newRow("tree click") << "tree";
+  }
+  void noFillStartsWhileAJobRuns() {
+    QFETCH(QString, action);
+    Window win(ini_, mixed_);
+    QTRY_COMPARE(win.fills.size(), 1);
+    JobFlags::SetBusy(true);
+    if (action == u"reset") {
+      win.w.ResetToDefaults();
+    } else if (action == u"tree") {
+      QVERIFY(win.w.tree()->SelectPath(root_ + QStringLiteral("small")));
+    } else {
+      QAction* a = win.w.findChild<QAction*>(action);
+      QVERIFY(a);
+      a->trigger();
+    }
+    QTest::qWait(4 * browser::BrowseFlow::kDelayMs);
+    QCOMPARE(win.fills.size(), 1);
+    QVERIFY(JobFlags::AbortRequested());
+    QCOMPARE(win.w.list()->model().rowCount(), 3);
+    JobFlags::SetBusy(false);
+    QTRY_COMPARE(win.fills.size(), 2);
+  }
+
+  // F5 during a real find: the find stops, its rows stay alone in Find mode,
+  // and the folder is listed once the find has ended.
+  void refreshDuringAFindWaitsForIt() {
+    Window win(ini_, root_ + QStringLiteral("small"));
+    QTRY_COMPARE(win.fills.size(), 1);
+    win.w.findChild<QComboBox*>(QStringLiteral("cboNamed"))->setEditText(QStringLiteral("*.dat"));
+    win.w.findChild<QComboBox*>(QStringLiteral("cboLookIn"))->setEditText(big_);
+    bool pressed = false;
+    QTimer::singleShot(0, &win.w, [&] {
+      pressed = JobFlags::Busy();
+      win.Action("menRefresh")->trigger();  // F5
+    });
+    QVERIFY(win.w.finder()->RunFind());
+    QVERIFY2(pressed, "the find ended before it yielded");
+    QCOMPARE(win.fills.size(), 1);
+    QCOMPARE(win.w.mode(), int(core::kModeFind));
+    const browser::ListModel& m = win.w.list()->model();
+    for (int i = 0; i < m.rowCount(); ++i) QVERIFY(m.path(m.rowAt(i)).startsWith(big_ + QStringLiteral("file")));
+    QVERIFY(win.w.statusLine()->statusText().endsWith(QStringLiteral("  ABORTED")));
+    QTRY_COMPARE(win.fills.size(), 2);
+    QCOMPARE(win.w.mode(), int(core::kModeBrowse));
+    QCOMPARE(m.rowCount(), 2);
+  }
+
+  // Values the menus do not offer and the blank of an empty layout survive
+  // a start and an exit as they were written; a blank layout is the default.
+  void oddStoredValuesSurviveARestart() {
+    QVERIFY(QDir().mkpath(QFileInfo(ini_).absolutePath()));
+    QByteArray text = "[ListBrowse]\nNumStyle=12\nVisList=1\n[ListFind]\nPosList= \nDateStyle=9\n"
+                      "[ListDrives]\nPosList= \n[Settings]\nSortFoldersApart=0\n; ";
+    text += QByteArray(600, '-') + '\n';
+    QVERIFY(testsupport::MakeFile(ini_, text));
+    {
+      Window win(ini_, mixed_);
+      QTRY_COMPARE(win.fills.size(), 1);
+      const browser::ListModel& m = win.w.list()->model();
+      QCOMPARE(m.sizeFormat(), 12);
+      QCOMPARE(m.columns().visibleInOrder().size(), size_t(8));  // a short VisList leaves the rest shown
+      // Folders apart off: one name order for folders and files.
+      QCOMPARE(m.name(m.rowAt(0)) + m.name(m.rowAt(1)) + m.name(m.rowAt(2)), QStringLiteral("a.txtbc.txt"));
+      win.w.SwitchMode(core::kModeFind);
+      QVERIFY2(m.columnOrder().startsWith(QStringLiteral("Name.100,Ext.38,Path.100,")), qPrintable(m.columnOrder()));
+      win.w.SwitchMode(core::kModeBrowse);
+      QVERIFY(win.w.close());
+    }
+    const QByteArray saved = [&] {
+      QFile f(ini_);
+      return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }();
+    for (const char* line : {"\nNumStyle=12\n", "\nVisList=1\n", "\nPosList= \n", "\nDateStyle=9\n", "\nSortFoldersApart=0\n"})
+      QVERIFY2(saved.contains(line), line);
+  }
+
+  // F2 renames through the no-clobber rename; refusals are shown.
+  void renameInTheList_data() {
+    QTest::addColumn<QString>("newName");
+    QTest::addColumn<QString>("status");  // start of the status text; empty: renamed
+    QTest::newRow("renamed") << "d.txt" << "";
+    QTest::newRow("taken") << "c.txt" << "Cannot rename a.txt: \"c.txt\" already exists.";
+  }
+  void renameInTheList() {
+    QFETCH(QString, newName);
+    QFETCH(QString, status);
+    const QString folder = dir_.path() + QStringLiteral("/ren-%1/").arg(QString::fromLatin1(QTest::currentDataTag()).replace(u' ', u'-'));
+    QVERIFY(testsupport::MakeFile(folder + QStringLiteral("a.txt"), "aaa"));
+    QVERIFY(testsupport::MakeFile(folder + QStringLiteral("c.txt"), "ccc"));
+    Window win(ini_, folder);
+    QTRY_COMPARE(win.fills.size(), 1);
+    browser::CRellList* list = win.w.list();
+    const browser::ListModel& m = list->model();
+    for (int p = 0; p < m.rowCount(); ++p)
+      if (m.name(m.rowAt(p)) == u"a.txt") list->setFocusPosition(p);
+    list->setFocus();
+    QTest::keyClick(list, Qt::Key_F2);
+    auto* editor = list->findChild<QLineEdit*>(QStringLiteral("txtRename"));
+    QVERIFY(editor);
+    editor->setText(newName);
+    QString box;
+    QTimer::singleShot(200, [&box] {
+      if (auto* b = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) {
+        box = b->text();
+        b->accept();
+      }
+    });
+    QTest::keyClick(editor, Qt::Key_Return);
+    const bool renamed = status.isEmpty();
+    QCOMPARE(QFile::exists(folder + QStringLiteral("a.txt")), !renamed);
+    QCOMPARE(m.name(m.rowAt(list->focusPosition())), renamed ? newName : QStringLiteral("a.txt"));
+    if (renamed) return;
+    QCOMPARE(win.w.statusLine()->statusText(), status);
+    QTRY_COMPARE(box, status);
+  }
+
+  // The right-click menu offers the File menu's commands for what was hit.
+  void rightClickOffersTheFileCommands_data() {
+    QTest::addColumn<bool>("onRow");
+    QTest::addColumn<QStringList>("items");
+    QTest::newRow("a file") << true
+                            << QStringList{"Open", "Rename", "Cut", "Copy", "Copy To", "Move To", "Delete", "Properties", "Copy Info"};
+    QTest::newRow("empty space") << false << QStringList{"Paste", "New Folder", "New Text File"};
+  }
+  void rightClickOffersTheFileCommands() {
+    QFETCH(bool, onRow);
+    Window win(ini_, root_ + QStringLiteral("small"));
+    QTRY_COMPARE(win.fills.size(), 1);
+    browser::CRellList* list = win.w.list();
+    QStringList shown;
+    bool popped = false;
+    QTimer::singleShot(100, [&] {
+      if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
+        popped = true;
+        for (QAction* a : menu->actions())
+          if (!a->isSeparator()) shown << a->text().section(u'\t', 0, 0).remove(u'&');
+        menu->close();
+      }
+    });
+    const QPoint at(20, onRow ? list->rowHeight() / 2 : list->viewport()->height() - 4);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, at, list->viewport()->mapToGlobal(at));
+    QApplication::sendEvent(list->viewport(), &event);
+    QTRY_VERIFY(popped);
+    QTEST(shown, "items");
+  }
+
+  // The selected row takes the system's selection colour by default.
+  void selectedRowsUseTheSystemColours() {
+    Window win(ini_, root_ + QStringLiteral("small"));
+    QTRY_COMPARE(win.fills.size(), 1);
+    const QColor highlight = win.w.palette().color(QPalette::Highlight);
+    const quint32 ref = quint32(highlight.red()) | quint32(highlight.green()) << 8 | quint32(highlight.blue()) << 16;
+    QCOMPARE(quint32(win.w.settings().general.selRowColor), ref);
+    QCOMPARE(win.w.list()->selectedRowColor(), highlight);
+    QCOMPARE(win.w.list()->SelectedTextColor(), win.w.palette().color(QPalette::HighlightedText));
+  }
+
+  // A file selected while the File View tab shows is loaded into it.
+  void infoRefreshReachesTheFileView() {
+    Window win(ini_, root_ + QStringLiteral("small"));
+    QTRY_COMPARE(win.fills.size(), 1);
+    win.w.tabs()->setCurrentIndex(browser::CTabCtrl::kTabFileView);
+    auto* view = win.w.findChild<preview::FileViewTab*>(QStringLiteral("FileViewTab"));
+    QVERIFY(view);
+    Q_EMIT win.w.list()->FileSelected(root_ + QStringLiteral("small/a.txt"), true);
+    QTRY_VERIFY(!view->document().fileText().isEmpty());
   }
 
   void historyGoesBackAndForth() {

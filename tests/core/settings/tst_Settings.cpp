@@ -5,6 +5,7 @@
 #include <QTest>
 
 #include "core/CProfile.h"
+#include "core/ColorContrast.h"
 #include "core/IniFile.h"
 #include "core/Settings.h"
 #include "core/SettingsLocation.h"
@@ -182,6 +183,7 @@ class SettingsTest : public QObject {
     QCOMPARE(s.lists[core::kModeFind].visible, QStringLiteral("111111111"));
     QCOMPARE(s.lists[core::kModeDrives].visible, QStringLiteral("11111111"));
     QVERIFY(s.general.findBackColor != s.general.selRowColor);
+    QCOMPARE(quint32(s.general.selRowColor), Context().highlightColor);  // the system's selection colour
     QVERIFY(core::DefaultsContext::ForScreen(100, 100).homeFolder.endsWith(u'/'));
     QCOMPARE(AppSettings().lists[core::kModeDrives].name, QStringLiteral("Drives"));
 
@@ -234,6 +236,24 @@ class SettingsTest : public QObject {
     const QByteArray first = ReadAll(path);
     QVERIFY(core::IniWR(in, read, u"write").ok);
     QCOMPARE(ReadAll(path), first);
+  }
+
+  // The selected row's text reads on whatever "SelRowColor" holds.
+  void selectedTextReads_data() {
+    QTest::addColumn<quint32>("fill");  // COLORREF
+    QTest::addColumn<quint32>("text");
+    const quint32 white = 0xFFFFFF, black = 0;  // COLORREF
+    QTest::newRow("system blue keeps white") << 0xD77800u << white;
+    QTest::newRow("desktop blue keeps white") << 0xC68C30u << white;
+    QTest::newRow("light tint takes black") << 0xFFE6CCu << black;
+    QTest::newRow("yellow takes black") << 0x00FFFFu << black;
+    QTest::newRow("dark red keeps white") << 0x000080u << white;
+  }
+  void selectedTextReads() {
+    QFETCH(quint32, fill);
+    const quint32 text = core::ReadableTextColor(fill, 0xFFFFFF);
+    QTEST(text, "text");
+    QVERIFY(core::ContrastRatio(fill, text) >= core::kReadableContrast);
   }
 
   void emptyTextsComeBackAsOneBlank() {
@@ -396,8 +416,6 @@ class SettingsTest : public QObject {
     QTest::newRow("garbage lines") << Padded("[General\nSplitPos=2x\n]]]\n=\n==\n[]\nSplitPos\n[General]\nSplitPos=3\n", 600);
     QTest::newRow("duplicate sections") << Padded("[General]\nSplitPos=2\n[General]\nSplitPos=3\nWinW=9\n", 600);
     QTest::newRow("nul bytes") << Padded(QByteArray("[General]\nSplitPos=2\0\0\n\0[\0]\n", 28), 600);
-    QTest::newRow("out of range") << Padded("[General]\nSplitPos=2\nWinState=9\n[ListFind]\nNumStyle=42\nDateStyle=-1\n"
-                                            "VisList=12\n[Find]\nSizeUnit=7\nDate=4\n", 600);
   }
   void damagedFiles() {
     QFETCH(QByteArray, content);
@@ -412,8 +430,40 @@ class SettingsTest : public QObject {
     QCOMPARE(s.general.winW, d.general.winW);
     QCOMPARE(s.general.winState, 0);
     QVERIFY(SameMode(s.lists[core::kModeFind], d.lists[core::kModeFind]));
-    QCOMPARE(s.find.sizeUnit, d.find.sizeUnit);
-    QCOMPARE(s.find.dateKind, d.find.dateKind);
+  }
+
+  // Values outside what the menus offer, and the blank of an empty text:
+  // read and saved again, each key holds what it held.
+  void valuesComeBackAsWritten_data() {
+    QTest::addColumn<QString>("section");
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("value");
+    QTest::newRow("size format 12") << "ListFind" << "NumStyle" << "12";
+    QTest::newRow("size format 9") << "ListBrowse" << "NumStyle" << "9";
+    QTest::newRow("negative date style") << "ListFind" << "DateStyle" << "-1";
+    QTest::newRow("time style 7") << "ListDrives" << "TimeStyle" << "7";
+    QTest::newRow("short VisList") << "ListBrowse" << "VisList" << "1";
+    QTest::newRow("VisList of other characters") << "ListFind" << "VisList" << "12";
+    QTest::newRow("blank PosList") << "ListFind" << "PosList" << " ";
+    QTest::newRow("window state 9") << "General" << "WinState" << "9";
+    QTest::newRow("find date kind 4") << "Find" << "Date" << "4";
+    QTest::newRow("find size unit 7") << "Find" << "SizeUnit" << "7";
+    QTest::newRow("separator choice -3") << "Report" << "optSep" << "-3";
+  }
+  void valuesComeBackAsWritten() {
+    QFETCH(QString, section);
+    QFETCH(QString, key);
+    QFETCH(QString, value);
+    const QString path = NewPath();
+    const QByteArray line = '[' + section.toUtf8() + "]\n" + key.toUtf8() + '=' + value.toUtf8() + '\n';
+    QVERIFY(testsupport::MakeFile(path, Padded(line, 600)));
+    CProfile p;
+    AppSettings s = core::DefaultSettings(Context());
+    QVERIFY(core::LoadSettingsAtStart(p, path, s).used);
+    QVERIFY(core::SaveSettingsAtExit(p, s).ok);
+    const QByteArray saved = ReadAll(path);
+    const QByteArray wanted = '\n' + key.toUtf8() + '=' + value.toUtf8() + '\n';
+    QVERIFY2(saved.contains(wanted), saved.constData());
   }
 
   void binaryFilesNeverCrash() {
