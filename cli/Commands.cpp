@@ -19,10 +19,10 @@ int RunRenameCommand(CliContext& ctx);
 std::span<const Command> AllCommands() {
   static const Command commands[] = {
       {"list",
-       "[--size-format 0..8] [--date-style 0..3] [--time-style 0..3] [--sort COLUMN[:asc|:desc]] [--no-group] "
+       "[--size-format N] [--date-style 0..3] [--time-style 0..3] [--sort COLUMN[:asc|:desc]] [--no-group] "
        "[--no-header] FOLDER",
        "list a folder as the file list shows it (status on standard error)", RunListCommand},
-      {"drives", "[--size-format 0..8] [--sort COLUMN[:asc|:desc]] [--no-header]",
+      {"drives", "[--size-format N] [--sort COLUMN[:asc|:desc]] [--no-header]",
        "list the drives (mounted file systems) as the file list shows them", RunDrivesCommand},
       {"find",
        "[--in FOLDER]... [--subfolders] [--named TEXT] [--exact] [--size-min N] [--size-max N] "

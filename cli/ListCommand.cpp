@@ -47,7 +47,7 @@ bool PrepareListModel(CliContext& ctx, int mode, ArgParser* parser, browser::Lis
     parser->option(QStringLiteral("date-style")).option(QStringLiteral("time-style")).flag(QStringLiteral("no-group"));
   core::ModeRecord record = core::DefaultModeRecord(mode);
   int size = record.sizeFormat, date = record.dateStyle, time = record.timeStyle;
-  if (!parser->parse(ctx.args) || !parser->intValue(QStringLiteral("size-format"), 0, 8, &size) ||
+  if (!parser->parse(ctx.args) || !parser->intValue(QStringLiteral("size-format"), 0, 99, &size) ||
       !parser->intValue(QStringLiteral("date-style"), 0, 3, &date) ||
       !parser->intValue(QStringLiteral("time-style"), 0, 3, &time)) {
     ctx.err << "quorvane " << command << ": " << parser->error() << '\n';

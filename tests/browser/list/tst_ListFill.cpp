@@ -202,8 +202,11 @@ class tst_ListFill : public QObject {
                                                            << "sub.d\t" << "Total: 2.00KB\n";
     QTest::newRow("modified ascending, files first") << QStringList{"--no-header", "--sort", "5:asc"} << 0
                                                      << "a.TXT\t" << "Total: 2.00KB\n";
-    QTest::newRow("bad size format") << QStringList{"--size-format", "9"} << 2 << ""
-                                     << "quorvane list: --size-format takes a number from 0 to 8\n";
+    QTest::newRow("size format 9: grouped bytes") << QStringList{"--no-header", "--sort", "size:desc", "--no-group",
+                                                               "--size-format", "9"}
+                                                  << 0 << "b.txt\ttxt\t2,048\t" << "Total: 2.00KB\n";
+    QTest::newRow("bad size format") << QStringList{"--size-format", "-1"} << 2 << ""
+                                     << "quorvane list: --size-format takes a number from 0 to 99\n";
     QTest::newRow("bad column") << QStringList{"--sort", "Colour"} << 2 << ""
                                 << "quorvane list: --sort: no column 'Colour'\n";
     QTest::newRow("no such folder") << QStringList{"@nothing-here"} << 2 << ""
