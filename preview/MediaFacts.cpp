@@ -7,19 +7,25 @@ namespace preview {
 
 namespace {
 
+// Out-of-range reads give 0; the bound also lets the compiler see that no
+// read leaves the array.
 quint32 Le32(const QByteArray& b, qsizetype at) {
+  if (at < 0 || at + 4 > b.size()) return 0;
   const auto* p = reinterpret_cast<const uchar*>(b.constData() + at);
   return quint32(p[0]) | quint32(p[1]) << 8 | quint32(p[2]) << 16 | quint32(p[3]) << 24;
 }
 quint16 Le16(const QByteArray& b, qsizetype at) {
+  if (at < 0 || at + 2 > b.size()) return 0;
   const auto* p = reinterpret_cast<const uchar*>(b.constData() + at);
   return quint16(p[0] | p[1] << 8);
 }
 quint32 Be32(const QByteArray& b, qsizetype at) {
+  if (at < 0 || at + 4 > b.size()) return 0;
   const auto* p = reinterpret_cast<const uchar*>(b.constData() + at);
   return quint32(p[0]) << 24 | quint32(p[1]) << 16 | quint32(p[2]) << 8 | quint32(p[3]);
 }
 quint16 Be16(const QByteArray& b, qsizetype at) {
+  if (at < 0 || at + 2 > b.size()) return 0;
   const auto* p = reinterpret_cast<const uchar*>(b.constData() + at);
   return quint16(p[0] << 8 | p[1]);
 }
