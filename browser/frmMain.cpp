@@ -26,7 +26,7 @@
 #include "browser/FileOpsRunner.h"
 #include "browser/FindRunner.h"
 #include "browser/VersionRunner.h"
-#include "browser/MediaRunner.h"
+#include "browser/PreviewRunner.h"
 #include "browser/UiYield.h"
 #include "browser/list/CRellList.h"
 #include "core/DateStyles.h"
@@ -128,7 +128,7 @@ void frmMain::BuildUi() {
   finder_ = new FindRunner(this);
   new FileViewRunner(this);
   new VersionRunner(this);
-  new MediaRunner(this);
+  new PreviewRunner(this);
   new FileOpsRunner(this);
 
   // Escape must reach the main window before any control (the window previews keys).

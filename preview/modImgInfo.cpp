@@ -12,6 +12,8 @@
 
 #include "core/NumberFormat.h"
 #include "core/Rounding.h"
+#include "platform/DirEntry.h"
+#include "platform/FolderReader.h"
 #include "platform/NativePath.h"
 
 namespace modImgInfo {
@@ -173,6 +175,11 @@ bool IsExcluded(QStringView ext, const QString& noPrevI) {
 int StatusFor(QStringView ext, const QString& noPrevI) {
   if (KindOf(ext) == Kind::kNone) return kStatusNotPreviewed;
   return IsExcluded(ext, noPrevI) ? kStatusExcluded : kStatusLoading;
+}
+
+double FileLength(const QString& path) {
+  platform::DirEntry entry;
+  return platform::StatPath(path, &entry) ? double(entry.size) : 0;
 }
 
 bool OpenImageFile(const QString& path, QFile& file) {

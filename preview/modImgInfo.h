@@ -44,6 +44,8 @@ bool IsExcluded(QStringView ext, const QString& noPrevI);
 // 5, 3 or 1 (loading) for a file about to be previewed.
 int StatusFor(QStringView ext, const QString& noPrevI);
 
+// The file's length in bytes (0 when it cannot be read).
+double FileLength(const QString& path);
 // Opens a regular file for reading (never blocks on a FIFO or device).
 bool OpenImageFile(const QString& path, QFile& file);
 
