@@ -9,6 +9,8 @@
 #include <QPixmap>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollArea>
+#include <QSignalBlocker>
 #include <QTimer>
 #include <QVBoxLayout>
 #include <QtConcurrent/QtConcurrentRun>
@@ -27,10 +29,9 @@ QLabel* FactLabel(const char* name, QWidget* parent) {
   return label;
 }
 
-QCheckBox* Check(const char* name, const QString& caption, bool on, QWidget* parent) {
+QCheckBox* Check(const char* name, const QString& caption, QWidget* parent) {
   auto* box = new QCheckBox(caption, parent);
   box->setObjectName(QString::fromLatin1(name));
-  box->setChecked(on);
   return box;
 }
 
@@ -47,14 +48,13 @@ ImagePane::ImagePane(core::AppSettings::Options* options, QWidget* parent) : QWi
   lblPrevSize = FactLabel("lblPrevSize", this);
   lblPrevSize->setWordWrap(true);
   lblPrevNote = FactLabel("lblPrevNote", this);
-  chkZoom = Check("chkZoom", QStringLiteral("&Zoom to fit"), options_->zoom.on(), this);
-  chkGrid = Check("chkGrid", QStringLiteral("&Grid"), options_->grid.on(), this);
-  chkBord = Check("chkBord", QStringLiteral("&Border"), options_->bord.on(), this);
+  chkZoom = Check("chkZoom", QStringLiteral("&Zoom to fit"), this);
+  chkGrid = Check("chkGrid", QStringLiteral("&Grid"), this);
+  chkBord = Check("chkBord", QStringLiteral("&Border"), this);
   cmdSnapShot = new QPushButton(QStringLiteral("S&napshot"), this);
   cmdSnapShot->setObjectName(QStringLiteral("cmdSnapShot"));
   cmdSnapShot->setToolTip(QStringLiteral("Capture the whole screen"));
-  picPreview->setGrid(options_->grid.on());
-  picPreview->setBorder(options_->bord.on());
+  applyOptions();
 
   menPrevCopy = new QMenu(QStringLiteral("&Copy"), this);
   menPrevCopy->setObjectName(QStringLiteral("menPrevCopy"));
@@ -88,7 +88,10 @@ ImagePane::ImagePane(core::AppSettings::Options* options, QWidget* parent) : QWi
   });
   connect(cmdSnapShot, &QPushButton::clicked, this, &ImagePane::SnapShot);
 
-  auto* facts = new QVBoxLayout;
+  // The facts scroll inside a low info panel rather than holding it open.
+  auto* factsPage = new QWidget;
+  auto* facts = new QVBoxLayout(factsPage);
+  facts->setContentsMargins(0, 0, 0, 0);
   for (QLabel* l : {lblPrevType, lblPrevColors, lblPrevArea, lblPrevFileSize, lblPrevRatio, lblPrevSize, lblPrevNote})
     facts->addWidget(l);
   facts->addStretch(1);
@@ -102,7 +105,11 @@ ImagePane::ImagePane(core::AppSettings::Options* options, QWidget* parent) : QWi
   auto* layout = new QHBoxLayout(this);
   layout->setContentsMargins(4, 4, 4, 4);
   layout->addWidget(picPreview, 3);
-  layout->addLayout(facts, 2);
+  auto* factsScroll = new QScrollArea(this);
+  factsScroll->setFrameShape(QFrame::NoFrame);
+  factsScroll->setWidgetResizable(true);
+  factsScroll->setWidget(factsPage);
+  layout->addWidget(factsScroll, 2);
 }
 
 ImagePane::~ImagePane() { watcher_.waitForFinished(); }
@@ -134,8 +141,19 @@ void ImagePane::clear() {
   lblPrevSize->clear();
 }
 
+// The settings are read after the window is built, and may be reset.
+void ImagePane::applyOptions() {
+  for (auto [box, flag] : {std::pair{chkZoom, options_->zoom}, {chkGrid, options_->grid}, {chkBord, options_->bord}}) {
+    const QSignalBlocker quiet(box);
+    box->setChecked(flag.on());
+  }
+  picPreview->setGrid(options_->grid.on());
+  picPreview->setBorder(options_->bord.on());
+}
+
 void ImagePane::ShowImagePreview(const QString& path) {
   clear();
+  applyOptions();
   const QString ext = modImgInfo::ExtensionOf(path);
   const int code = modImgInfo::StatusFor(ext, options_->noPrevI);
   if (code != modImgInfo::kStatusLoading) {
@@ -152,11 +170,12 @@ void ImagePane::ShowImagePreview(const QString& path) {
 
 void ImagePane::startDecode() {
   if (file_.isEmpty()) return;
-  if (watcher_.isRunning()) {
+  if (inFlight_) {
     decodeWanted_ = true;  // decoded() starts it
     return;
   }
   decodeWanted_ = false;
+  inFlight_ = true;
   decodingGeneration_ = generation_;
   ++decodeCount_;
   const QString path = file_;
@@ -166,6 +185,7 @@ void ImagePane::startDecode() {
 }
 
 void ImagePane::decoded() {
+  inFlight_ = false;
   const LoadedPicture picture = watcher_.result();
   if (decodingGeneration_ != generation_) {
     // The selection moved on meanwhile: its own picture is next.
@@ -188,6 +208,7 @@ void ImagePane::decoded() {
                                                      picture.fit.shown.width(), picture.fit.shown.height()));
   setStatus(modImgInfo::kStatusHidden);
   Q_EMIT PictureShown();
+  refit();  // the area may have changed while it decoded
 }
 
 // A new area or zoom setting: decoded again when the picture would be shown

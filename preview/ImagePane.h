@@ -41,7 +41,7 @@ class ImagePane : public QWidget {
   void CopyAsShown();
 
   const QString& file() const { return file_; }
-  bool decoding() const { return watcher_.isRunning(); }
+  bool decoding() const { return inFlight_; }
   int decodeCount() const { return decodeCount_; }
 
   PictureView* picPreview;
@@ -66,6 +66,7 @@ class ImagePane : public QWidget {
   void PictureShown();
 
  private:
+  void applyOptions();
   void setStatus(int code, const QString& text = QString());
   void setFacts(const QStringList& lines, const QString& note);
   void startDecode();
@@ -78,7 +79,8 @@ class ImagePane : public QWidget {
   QString file_;         // the file on show, empty for none or a snapshot
   quint64 generation_ = 0;  // counts the pictures asked for
   quint64 decodingGeneration_ = 0;
-  bool decodeWanted_ = false;  // the delay ended while another decode ran
+  bool decodeWanted_ = false;
+  bool inFlight_ = false;  // until its result is taken, not just computed  // the delay ended while another decode ran
   LoadedPicture shown_;
   QImage snapshot_;
   int decodeCount_ = 0;
