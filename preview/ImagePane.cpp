@@ -109,6 +109,8 @@ ImagePane::ImagePane(core::AppSettings::Options* options, QWidget* parent) : QWi
   factsScroll->setFrameShape(QFrame::NoFrame);
   factsScroll->setWidgetResizable(true);
   factsScroll->setWidget(factsPage);
+  factsScroll->viewport()->setAutoFillBackground(false);
+  factsPage->setAutoFillBackground(false);
   layout->addWidget(factsScroll, 2);
 }
 
