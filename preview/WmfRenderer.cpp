@@ -4,9 +4,12 @@
 #include <QMutex>
 #include <QMutexLocker>
 
+#include <cstdlib>
+
 extern "C" {
 #include <libwmf/api.h>
 #include <libwmf/gd.h>
+#include <libwmf/gd/gd.h>
 }
 
 namespace preview {
@@ -16,6 +19,18 @@ namespace {
 // Metafiles larger than this are not read into memory.
 constexpr qint64 kMaxFileBytes = 64LL * 1024 * 1024;
 constexpr double kDotsPerInch = 96;
+
+// The picture the library drew is the caller's to free, and the library
+// does not export the call that frees it: its parts were allocated with
+// malloc. Pattern brushes and tiles stay the library's.
+void FreeDrawnImage(void* drawn) {
+  auto* image = static_cast<gdImagePtr>(drawn);
+  std::free(image->_tpixels);
+  std::free(image->tpixels);
+  std::free(image->polyInts);
+  std::free(image->style);
+  std::free(image);
+}
 
 QMutex& LibraryLock() {
   static QMutex lock;
@@ -43,6 +58,7 @@ class Session {
   }
   ~Session() {
     if (api_) wmf_api_destroy(api_);
+    if (drawn_) FreeDrawnImage(drawn_);
   }
   Session(const Session&) = delete;
   Session& operator=(const Session&) = delete;
@@ -61,8 +77,11 @@ class Session {
     device->width = unsigned(size.width());
     device->height = unsigned(size.height());
     device->bbox = bbox_;
-    if (wmf_play(api_, 0, &bbox_) != wmf_E_None || !device->gd_image) return {};
-    const int* pixels = wmf_gd_image_pixels(device->gd_image);
+    const bool played = wmf_play(api_, 0, &bbox_) == wmf_E_None;
+    drawn_ = device->gd_image;
+    device->gd_image = nullptr;
+    if (!played || !drawn_) return {};
+    const int* pixels = wmf_gd_image_pixels(drawn_);
     if (!pixels) return {};
     QImage image(size, QImage::Format_ARGB32);
     if (image.isNull()) return {};
@@ -81,6 +100,7 @@ class Session {
  private:
   QByteArray data_;
   wmfAPI* api_ = nullptr;
+  void* drawn_ = nullptr;
   wmfD_Rect bbox_{};
   bool ok_ = false;
 };
