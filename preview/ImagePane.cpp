@@ -126,6 +126,10 @@ void ImagePane::setFacts(const QStringList& lines, const QString& note) {
   lblPrevNote->setText(note);
 }
 
+void ImagePane::showFacts(const modImgInfo::ImageHeader& header) {
+  setFacts(modImgInfo::FactsLines(header, modImgInfo::FileLength(file_), screenBits()), header.note);
+}
+
 int ImagePane::screenBits() const {
   const QScreen* s = screen() ? screen() : QGuiApplication::primaryScreen();
   return s ? s->depth() : 24;
@@ -135,6 +139,7 @@ void ImagePane::clear() {
   ++generation_;
   tmrPrevDelay->stop();
   decodeWanted_ = false;
+  factsPending_ = false;
   file_.clear();
   shown_ = LoadedPicture();
   snapshot_ = QImage();
@@ -163,9 +168,14 @@ void ImagePane::ShowImagePreview(const QString& path) {
     return;
   }
   file_ = path;
-  modImgInfo::ImageHeader header;
-  ReadPictureFacts(path, header);
-  setFacts(modImgInfo::FactsLines(header, modImgInfo::FileLength(path), screenBits()), header.note);
+  // Our own header reading takes a few bytes; the decoder's facts (SVG, say)
+  // may take the whole file and come with the picture.
+  factsPending_ = modImgInfo::KindOf(ext) == modImgInfo::Kind::kDecoder;
+  if (!factsPending_) {
+    modImgInfo::ImageHeader header;
+    modImgInfo::ReadImageHeader(path, header);
+    showFacts(header);
+  }
   setStatus(modImgInfo::kStatusLoading);
   tmrPrevDelay->start();
 }
@@ -183,12 +193,22 @@ void ImagePane::startDecode() {
   const QString path = file_;
   const QSize area = picPreview->fitArea();
   const bool zoom = options_->zoom.on();
-  watcher_.setFuture(QtConcurrent::run([path, area, zoom] { return LoadPicture(path, area, zoom); }));
+  const bool facts = factsPending_;
+  watcher_.setFuture(QtConcurrent::run([path, area, zoom, facts] {
+    Decoded d;
+    if (facts) {
+      ReadPictureFacts(path, d.header);
+      d.factsRead = true;
+    }
+    d.picture = LoadPicture(path, area, zoom);
+    return d;
+  }));
 }
 
 void ImagePane::decoded() {
   inFlight_ = false;
-  const LoadedPicture picture = watcher_.result();
+  const Decoded result = watcher_.result();
+  const LoadedPicture& picture = result.picture;
   if (decodingGeneration_ != generation_) {
     // The selection moved on meanwhile: its own picture is next.
     if (decodeWanted_) startDecode();
@@ -197,6 +217,10 @@ void ImagePane::decoded() {
   if (decodeWanted_) {
     startDecode();
     return;
+  }
+  if (factsPending_ && result.factsRead) {
+    factsPending_ = false;
+    showFacts(result.header);
   }
   shown_ = picture;
   if (!picture.ok) {

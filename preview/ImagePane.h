@@ -69,18 +69,26 @@ class ImagePane : public QWidget {
   void applyOptions();
   void setStatus(int code, const QString& text = QString());
   void setFacts(const QStringList& lines, const QString& note);
+  void showFacts(const modImgInfo::ImageHeader& header);
   void startDecode();
   void decoded();
   void refit();
   int screenBits() const;
 
   core::AppSettings::Options* options_;
-  QFutureWatcher<LoadedPicture> watcher_;
+  // What the worker brings back: the picture, and the decoder's facts when asked.
+  struct Decoded {
+    LoadedPicture picture;
+    modImgInfo::ImageHeader header;
+    bool factsRead = false;
+  };
+  QFutureWatcher<Decoded> watcher_;
   QString file_;         // the file on show, empty for none or a snapshot
   quint64 generation_ = 0;  // counts the pictures asked for
   quint64 decodingGeneration_ = 0;
   bool decodeWanted_ = false;
-  bool inFlight_ = false;  // until its result is taken, not just computed  // the delay ended while another decode ran
+  bool inFlight_ = false;
+  bool factsPending_ = false;  // the decoder's facts come with the picture  // until its result is taken, not just computed  // the delay ended while another decode ran
   LoadedPicture shown_;
   QImage snapshot_;
   int decodeCount_ = 0;

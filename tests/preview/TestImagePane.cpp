@@ -71,6 +71,10 @@ class TestImagePane : public QObject {
     QTest::addColumn<QSize>("picture");  // the picture's own size; invalid: none shown
     QTest::newRow("icon over the grid") << "icon.ico" << Icon() << 0 << "Type: Icon file" << QSize(48, 48);
     QTest::newRow("photo fitted") << "photo.png" << Png(3000, 1000, Qt::blue) << 0 << "Type: PNG file" << QSize(3000, 1000);
+    QTest::newRow("decoder's facts come with the picture")
+        << "logo.svg"
+        << QByteArray("<svg xmlns='http://www.w3.org/2000/svg' width='100' height='50'><rect width='100' height='50' fill='blue'/></svg>")
+        << 0 << "Type: SVG file" << QSize(100, 50);
     QTest::newRow("excluded") << "plain.bmp" << imagefixtures::BmpHeader(2, 2, 24) << 3 << "" << QSize();
     QTest::newRow("not previewed") << "notes.txt" << QByteArray("text") << 5 << "" << QSize();
     QTest::newRow("cannot decode") << "broken.png" << QByteArray("not a picture") << 2
