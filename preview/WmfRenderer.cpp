@@ -20,6 +20,19 @@ namespace {
 constexpr qint64 kMaxFileBytes = 64LL * 1024 * 1024;
 constexpr double kDotsPerInch = 96;
 
+// The library sizes its record buffer from the header's largest-record
+// field before reading a record: a header must not claim more than the file
+// holds.
+bool PlausibleHeader(const QByteArray& data) {
+  auto le16 = [&data](qsizetype at) { return quint32(uchar(data[at])) | quint32(uchar(data[at + 1])) << 8; };
+  qsizetype at = 0;
+  if (data.size() >= 22 && le16(0) == 0xCDD7 && le16(2) == 0x9AC6) at = 22;  // placeable header first
+  if (data.size() < at + 18) return false;
+  const quint32 type = le16(at), headerWords = le16(at + 2);
+  const quint64 maxRecordWords = le16(at + 12) | quint64(le16(at + 14)) << 16;
+  return (type == 1 || type == 2) && headerWords == 9 && maxRecordWords * 2 <= quint64(data.size());
+}
+
 // The picture the library drew is the caller's to free, and the library
 // does not export the call that frees it: its parts were allocated with
 // malloc. Pattern brushes and tiles stay the library's.
@@ -29,6 +42,8 @@ void FreeDrawnImage(void* drawn) {
   std::free(image->tpixels);
   std::free(image->polyInts);
   std::free(image->style);
+  if (image->clip) std::free(image->clip->list);
+  std::free(image->clip);
   std::free(image);
 }
 
@@ -44,7 +59,7 @@ class Session {
     if (file.size() > kMaxFileBytes) return;
     file.seek(0);
     data_ = file.readAll();
-    if (data_.size() < 18) return;
+    if (!PlausibleHeader(data_)) return;
     wmfAPI_Options options{};
     options.function = wmf_gd_function;
     const unsigned long flags = WMF_OPT_FUNCTION | WMF_OPT_IGNORE_NONFATAL | WMF_OPT_NO_ERROR | WMF_OPT_NO_DEBUG;

@@ -90,6 +90,14 @@ class TestPictureLoader : public QObject {
     QTest::newRow("rle file") << "a.rle" << Rle8Bitmap() << area << false << true << QSize(4, 2) << QSize(4, 2) << none;
     QTest::newRow("metafile") << "a.wmf" << RedMetafile() << area << false << true << QSize(26, 20) << QSize(26, 20) << red;
     QTest::newRow("metafile zoomed") << "a.wmf" << RedMetafile() << area << true << true << QSize(26, 20) << QSize(390, 300) << red;
+    // Found by fuzzing: a header claiming a record of 3.6 GB; a clip region the library leaves to us.
+    QByteArray hugeRecord = RedMetafile();
+    hugeRecord[22 + 14] = '\x00';
+    hugeRecord[22 + 15] = '\x6D';
+    QTest::newRow("metafile claiming a huge record") << "a.wmf" << hugeRecord << area << false << false << QSize() << QSize() << none;
+    QByteArray clipped = RedMetafile();
+    clipped.insert(clipped.size() - 6, QByteArray("\x07\x00\x00\x00\x16\x04\x2C\x01\x90\x01\x00\x00\x00\x00", 14));
+    QTest::newRow("metafile with a clip") << "a.wmf" << clipped << area << false << true << QSize(26, 20) << QSize(26, 20) << none;
     QTest::newRow("not a metafile") << "a.wmf" << QByteArray(200, 'x') << area << false << false << QSize() << QSize() << none;
     QTest::newRow("png named gif") << "a.gif" << Encoded(Filled(30, 30, red), "PNG") << area << false << true
                                    << QSize(30, 30) << QSize(30, 30) << red;
