@@ -28,8 +28,8 @@
 #include "browser/FindRunner.h"
 #include "browser/ListMenuRunner.h"
 #include "browser/VersionRunner.h"
-#include "browser/MediaRunner.h"
 #include "browser/ReportRunner.h"
+#include "browser/PreviewRunner.h"
 #include "browser/UiYield.h"
 #include "browser/list/CRellList.h"
 #include "core/DateStyles.h"
@@ -131,7 +131,7 @@ void frmMain::BuildUi() {
   finder_ = new FindRunner(this);
   new FileViewRunner(this);
   new VersionRunner(this);
-  new MediaRunner(this);
+  new PreviewRunner(this);
   new FileOpsRunner(this);
   new ReportRunner(this);
   new RenameRunner(this);

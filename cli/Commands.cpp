@@ -13,6 +13,7 @@ int RunVersionCommand(CliContext& ctx);
 int RunMediaCommand(CliContext& ctx);
 int RunReportCommand(CliContext& ctx);
 int RunRenameCommand(CliContext& ctx);
+int RunImageCommand(CliContext& ctx);
 
 // Each command lives in its own file and is listed here.
 
@@ -45,6 +46,10 @@ std::span<const Command> AllCommands() {
        "the format and length of a sound, MIDI or video file; --play plays it to the end (position on standard "
        "error)",
        RunMediaCommand},
+      {"image", "[--fit WxH] [--zoom] [--decode] FILE|FOLDER...",
+       "the facts and size line of pictures as the Preview tab shows them (a folder: its pictures); --fit gives "
+       "the area the picture is fitted to, --zoom enlarges small ones, --decode decodes each one to be sure",
+       RunImageCommand},
       {"copy", "[--dry-run] [--on-conflict skip|rename|overwrite] SOURCE... FOLDER",
        "copy files and folders into a folder (one row per item; summary on standard error)", RunCopyCommand},
       {"move", "[--dry-run] [--on-conflict skip|rename|overwrite] SOURCE... FOLDER",

@@ -7,6 +7,7 @@ set -euo pipefail
 packages=(
   cmake ninja-build g++ pkg-config
   qt6-base-dev qt6-base-dev-tools libqt6svg6 libicu-dev
+  qt6-image-formats-plugins qt6-svg-dev libwmf-dev
   libgl-dev
   qt6-multimedia-dev libgstreamer1.0-dev libgstreamer-plugins-base1.0-dev
   gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-bad gstreamer1.0-libav
@@ -18,6 +19,7 @@ packages=(
 bench_packages=(libbenchmark-dev hyperfine fd-find ripgrep bfs findutils grep)
 bench_packages+=(libimage-exiftool-perl rsync)
 bench_packages+=(tree)
+bench_packages+=(imagemagick)
 fuzz_packages=(clang libclang-rt-14-dev)
 
 for arg in "$@"; do
