@@ -171,10 +171,10 @@ class BrowserPartsTest : public QObject {
     QTest::newRow("onto a file") << "a.txt" << "b.txt" << "Cannot rename a.txt: \"b.txt\" already exists." << same;
     QTest::newRow("onto a folder") << "a.txt" << "sub" << "Cannot rename a.txt: \"sub\" already exists." << same;
     QTest::newRow("folder onto a file") << "sub/" << "b.txt" << "Cannot rename sub: \"b.txt\" already exists." << same;
-    QTest::newRow("a path") << "a.txt" << "sub/a.txt" << "\"sub/a.txt\" is not a valid name." << same;
-    QTest::newRow("dot dot") << "a.txt" << ".." << "\"..\" is not a valid name." << same;
-    QTest::newRow("empty") << "a.txt" << "" << "\"\" is not a valid name." << same;
-    QTest::newRow("vanished") << "gone.txt" << "c.txt" << "Cannot rename gone.txt: No such file or directory." << same;
+    QTest::newRow("a path") << "a.txt" << "sub/a.txt" << "Cannot rename a.txt: A name cannot hold \"/\"." << same;
+    QTest::newRow("dot dot") << "a.txt" << ".." << "Cannot rename a.txt: \"..\" cannot be a name." << same;
+    QTest::newRow("empty") << "a.txt" << "" << "Cannot rename a.txt: The new name is empty." << same;
+    QTest::newRow("vanished") << "gone.txt" << "c.txt" << "Cannot rename gone.txt: It is no longer there." << same;
   }
   void inlineRename() {
     QFETCH(QString, from);
