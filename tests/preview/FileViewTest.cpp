@@ -101,10 +101,10 @@ class FileViewTest : public QObject {
   void runs() {
     QFETCH(QByteArray, bytes);
     QFETCH(bool, international);
-    std::vector<TextRun> runs;
+    PackedOffsets runs(true);
     QVERIFY(ScanTextRuns(Make(bytes), international, &runs));
     QStringList got;
-    for (const TextRun& r : runs) got.append(QStringLiteral("%1:%2").arg(r.offset).arg(r.length));
+    runs.forEach([&](qint64 offset, quint32 length) { got.append(QStringLiteral("%1:%2").arg(offset).arg(length)); });
     QTEST(got.join(u' '), "runs");
   }
 
