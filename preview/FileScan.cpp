@@ -69,76 +69,122 @@ inline quint64 ByteMask(const unsigned char* p, char c) {
 inline int Low(quint64 m) { return __builtin_ctzll(m); }
 inline int High(quint64 m) { return 63 - __builtin_clzll(m); }
 
-template <bool Intl>
-void ScanRuns(int fd, qint64 from, qint64 n, RunPiece* out) {
-  out->runs.clear();
-  const std::unique_ptr<unsigned char[]> buffer(new unsigned char[kStep]);
-  const auto record = [out](qint64 start, qint64 length) {
-    if (length >= 5) out->runs.emplace_back(start, length);
-  };
+// Where a run scan stands between the steps of one piece.
+struct RunState {
   qint64 start = -1;  // the open run's first byte
   quint64 top = 0;    // the last byte seen was text
   qint64 prefix = 0;
   bool inPrefix = true;
+};
+
+// Scans `got` bytes found at file offset `at`.
+template <bool Intl>
+void RunStep(const unsigned char* p, qint64 got, qint64 at, RunState* state, RunPiece* out) {
+  const auto record = [out](qint64 start, qint64 length) {
+    if (length >= 5) out->runs.emplace_back(start, length);
+  };
+  qint64 start = state->start, prefix = state->prefix;
+  quint64 top = state->top;
+  bool inPrefix = state->inPrefix;
+  const qint64 words = got / 64;
+  quint64 m = words ? TextMask<Intl>(p) : 0;
+  for (qint64 w = 0; w < words; ++w) {
+    // Past the bytes counts as text: a run found long here is measured by
+    // its real end all the same.
+    const quint64 next = w + 1 < words ? TextMask<Intl>(p + 64 * (w + 1)) : ~quint64(0);
+    if (inPrefix) {
+      if (~m == 0) {
+        prefix += 64;
+      } else {
+        prefix += Low(~m);
+        inPrefix = false;
+      }
+    }
+    const quint64 shifted = (m << 1) | top;
+    const quint64 ends = ~m & shifted, starts = m & ~shifted;
+    if (ends | starts) {
+      const qint64 base = at + 64 * w;
+      if (start >= 0 && ends) record(start, base + Low(ends) - start);
+      // Starts of five text bytes or more in a row; the rest are too short.
+      quint64 longStarts = starts & ((m >> 1) | (next << 63)) & ((m >> 2) | (next << 62)) & ((m >> 3) | (next << 61)) &
+                           ((m >> 4) | (next << 60));
+      while (longStarts) {
+        const int s = Low(longStarts);
+        longStarts &= longStarts - 1;
+        const quint64 after = ends & (~quint64(0) << s);
+        if (!after) break;  // goes on into the next word
+        record(base + s, Low(after) - s);
+      }
+      start = (m >> 63) ? (starts ? base + High(starts) : start) : -1;
+    }
+    top = m >> 63;
+    m = next;
+  }
+  for (qint64 i = words * 64; i < got; ++i) {
+    const bool text = IsText<Intl>(p[i]);
+    if (inPrefix) {
+      if (text) ++prefix;
+      else inPrefix = false;
+    }
+    if (text) {
+      if (start < 0) start = at + i;
+    } else if (start >= 0) {
+      record(start, at + i - start);
+      start = -1;
+    }
+    top = text;
+  }
+  *state = {start, top, prefix, inPrefix};
+}
+
+template <bool Intl>
+void ScanRuns(int fd, qint64 from, qint64 n, RunPiece* out) {
+  RunState state;
+  const auto finish = [&](qint64 got) {
+    out->got = got;
+    out->prefix = state.prefix;
+    out->open = state.start;
+  };
+  out->runs.clear();
+  const std::unique_ptr<unsigned char[]> buffer(new unsigned char[kStep]);
   qint64 done = 0;
   while (done < n) {
     const qint64 want = std::min(kStep, n - done);
     const qint64 got = ReadFully(fd, reinterpret_cast<char*>(buffer.get()), want, from + done);
-    const unsigned char* p = buffer.get();
-    const qint64 words = got / 64;
-    quint64 m = words ? TextMask<Intl>(p) : 0;
-    for (qint64 w = 0; w < words; ++w) {
-      // Past the buffer counts as text: a run found long here is measured
-      // by its real end all the same.
-      const quint64 next = w + 1 < words ? TextMask<Intl>(p + 64 * (w + 1)) : ~quint64(0);
-      if (inPrefix) {
-        if (~m == 0) {
-          prefix += 64;
-        } else {
-          prefix += Low(~m);
-          inPrefix = false;
-        }
-      }
-      const quint64 shifted = (m << 1) | top;
-      const quint64 ends = ~m & shifted, starts = m & ~shifted;
-      if (ends | starts) {
-        const qint64 at = from + done + 64 * w;
-        if (start >= 0 && ends) record(start, at + Low(ends) - start);
-        // Starts of five text bytes or more in a row; the rest are too short.
-        quint64 longStarts = starts & ((m >> 1) | (next << 63)) & ((m >> 2) | (next << 62)) &
-                             ((m >> 3) | (next << 61)) & ((m >> 4) | (next << 60));
-        while (longStarts) {
-          const int s = Low(longStarts);
-          longStarts &= longStarts - 1;
-          const quint64 after = ends & (~quint64(0) << s);
-          if (!after) break;  // goes on into the next word
-          record(at + s, Low(after) - s);
-        }
-        start = (m >> 63) ? (starts ? at + High(starts) : start) : -1;
-      }
-      top = m >> 63;
-      m = next;
-    }
-    for (qint64 i = words * 64; i < got; ++i) {
-      const bool text = IsText<Intl>(p[i]);
-      if (inPrefix) {
-        if (text) ++prefix;
-        else inPrefix = false;
-      }
-      if (text) {
-        if (start < 0) start = from + done + i;
-      } else if (start >= 0) {
-        record(start, from + done + i - start);
-        start = -1;
-      }
-      top = text;
-    }
+    RunStep<Intl>(buffer.get(), got, from + done, &state, out);
     done += got;
     if (got < want) break;  // the file shrank
   }
-  out->got = done;
-  out->prefix = prefix;
-  out->open = start;
+  finish(done);
+}
+
+// Line starts after the line ends in `got` bytes found `at` bytes into the
+// piece; `before` is the byte ahead of them, then their last.
+qint64 LineStep(const unsigned char* p, qint64 got, qint64 at, char needle, bool crlf, char* before, quint32* starts) {
+  qint64 count = 0;
+  const qint64 words = got / 64;
+  quint64 crTop = *before == '\r';
+  for (qint64 w = 0; w < words; ++w) {
+    const unsigned char* q = p + 64 * w;
+    quint64 m = ByteMask(q, needle);
+    if (crlf) {
+      if (m) {
+        const quint64 cr = ByteMask(q, '\r');
+        m &= (cr << 1) | crTop;
+        crTop = cr >> 63;
+      } else {
+        crTop = q[63] == '\r';
+      }
+    }
+    const qint64 base = at + 64 * w + 1;
+    for (; m; m &= m - 1) starts[count++] = quint32(base + Low(m));
+  }
+  for (qint64 i = words * 64; i < got; ++i) {
+    const unsigned char previous = i ? p[i - 1] : static_cast<unsigned char>(*before);
+    if (p[i] == static_cast<unsigned char>(needle) && (!crlf || previous == '\r')) starts[count++] = quint32(at + i + 1);
+  }
+  if (got > 0) *before = char(p[got - 1]);
+  return count;
 }
 
 }  // namespace
@@ -160,47 +206,26 @@ void ScanRunPiece(int fd, qint64 from, qint64 n, bool international, RunPiece* o
 }
 
 void ScanLinePiece(int fd, qint64 from, qint64 n, char needle, bool crlf, int separator, LinePiece* out) {
-  out->starts.clear();
-  out->widest = 0;
-  const std::unique_ptr<unsigned char[]> buffer(new unsigned char[kStep]);
+  if (out->capacity < n) {
+    out->starts.reset(new quint32[size_t(n)]);
+    out->capacity = n;
+  }
+  quint32* starts = out->starts.get();
+  qint64 count = 0, done = 0;
   char before = 0;
   if (crlf && from > 0) ReadFully(fd, &before, 1, from - 1);
-  qint64 last = -1;
-  const auto add = [&](qint64 at) {
-    if (last >= 0) out->widest = std::max(out->widest, at - separator - last);
-    out->starts.push_back(quint32(at));
-    last = at;
-  };
-  quint64 crTop = before == '\r';
-  qint64 done = 0;
+  const std::unique_ptr<unsigned char[]> buffer(new unsigned char[kStep]);
   while (done < n) {
     const qint64 want = std::min(kStep, n - done);
     const qint64 got = ReadFully(fd, reinterpret_cast<char*>(buffer.get()), want, from + done);
-    const unsigned char* p = buffer.get();
-    const qint64 words = got / 64;
-    for (qint64 w = 0; w < words; ++w) {
-      const unsigned char* q = p + 64 * w;
-      quint64 m = ByteMask(q, needle);
-      if (crlf) {
-        if (m) {
-          const quint64 cr = ByteMask(q, '\r');
-          m &= (cr << 1) | crTop;
-          crTop = cr >> 63;
-        } else {
-          crTop = q[63] == '\r';
-        }
-      }
-      for (; m; m &= m - 1) add(done + 64 * w + Low(m) + 1);
-    }
-    for (qint64 i = words * 64; i < got; ++i) {
-      const unsigned char previous = i ? p[i - 1] : static_cast<unsigned char>(before);
-      if (p[i] == static_cast<unsigned char>(needle) && (!crlf || previous == '\r')) add(done + i + 1);
-    }
-    if (got > 0) before = char(p[got - 1]);
-    crTop = before == '\r';
+    count += LineStep(buffer.get(), got, done, needle, crlf, &before, starts + count);
     done += got;
     if (got < want) break;  // the file shrank
   }
+  qint64 widest = 0;
+  for (qint64 k = 1; k < count; ++k) widest = std::max<qint64>(widest, qint64(starts[k] - starts[k - 1]));
+  out->widest = count > 1 ? widest - separator : 0;
+  out->count = count;
   out->got = done;
 }
 

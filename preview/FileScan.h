@@ -1,6 +1,7 @@
 #pragma once
 #include <QtGlobal>
 #include <functional>
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -24,9 +25,12 @@ void ScanRunPiece(int fd, qint64 from, qint64 n, bool international, RunPiece* o
 
 // What a piece of a file holds of line ends.
 struct LinePiece {
-  qint64 got = 0;               // bytes read; fewer than asked when the file shrank
-  std::vector<quint32> starts;  // where a line starts after each line end, from the piece's start
-  qint64 widest = 0;            // the longest line between two of those starts
+  qint64 got = 0;  // bytes read; fewer than asked when the file shrank
+  // Where a line starts after each line end, from the piece's start; room
+  // for one a byte, kept from piece to piece.
+  std::unique_ptr<quint32[]> starts;
+  qint64 capacity = 0, count = 0;
+  qint64 widest = 0;  // the longest line between two of those starts
 };
 
 // Finds the line ends in the `n` bytes of `fd` from `from`: every `needle`

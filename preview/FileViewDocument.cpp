@@ -171,10 +171,10 @@ bool FileViewDocument::indexText(const Progress& progress, qint64 pieceBytes) {
     for (int k = 0; k < 2 && n[k] > 0 && !shrank; ++k) {
       const qint64 base = at + (k ? n[0] : 0);
       const LinePiece& p = pieces[k];
-      if (!p.starts.empty()) {
-        maxLineWidth_ = std::max({maxLineWidth_, base + p.starts.front() - separator_ - lastStart, p.widest});
-        for (const quint32 s : p.starts) starts_.append(base + s);
-        lastStart = base + p.starts.back();
+      if (p.count > 0) {
+        maxLineWidth_ = std::max({maxLineWidth_, base + p.starts[0] - separator_ - lastStart, p.widest});
+        starts_.appendBatch(base, p.starts.get(), p.count);
+        lastStart = base + p.starts[size_t(p.count - 1)];
       }
       if (p.got < n[k]) {
         shrank = true;

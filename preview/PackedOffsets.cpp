@@ -22,6 +22,29 @@ PackedOffsets::Block* PackedOffsets::addBlock(qint64 base) {
   return &blocks_.back();
 }
 
+void PackedOffsets::appendBatch(qint64 base, const quint32* rel, qint64 n) {
+  Q_ASSERT(stride_ == 1);
+  while (n > 0) {
+    Block* b = blocks_.empty() ? nullptr : &blocks_.back();
+    if (!b || b->count == b->capacity || quint64(base + rel[0] - b->base) > 0xFFFFFFFFu) b = addBlock(base + rel[0]);
+    const qint64 take = std::min<qint64>(n, b->capacity - b->count);
+    if (quint64(base + rel[take - 1] - b->base) > 0xFFFFFFFFu) {  // the block ends 4 GB on
+      append(base + rel[0]);
+      ++rel;
+      --n;
+      continue;
+    }
+    // The distance of each fits 32 bits, so wrapping sums give it exactly.
+    const quint32 shift = quint32(quint64(base - b->base));
+    quint32* w = b->words.get() + b->count;
+    for (qint64 k = 0; k < take; ++k) w[k] = shift + rel[k];
+    b->count += qint32(take);
+    size_ += take;
+    rel += take;
+    n -= take;
+  }
+}
+
 const PackedOffsets::Block& PackedOffsets::find(qint64 i) const {
   Q_ASSERT(i >= 0 && i < size_);
   if (i >= blocks_.back().first) return blocks_.back();

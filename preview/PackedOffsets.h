@@ -28,6 +28,9 @@ class PackedOffsets {
     ++size_;
   }
 
+  // Appends base + rel[k] for k < n; for the line index, without values.
+  void appendBatch(qint64 base, const quint32* rel, qint64 n);
+
   qint64 offset(qint64 i) const {
     const Block& b = find(i);
     return b.base + b.words[size_t((i - b.first) * stride_)];
