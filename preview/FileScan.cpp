@@ -7,7 +7,9 @@
 #include <thread>
 #include <unistd.h>
 
-#if defined(__SSE2__)
+#if defined(__x86_64__)
+#include <immintrin.h>
+#elif defined(__SSE2__)
 #include <emmintrin.h>
 #endif
 
@@ -24,47 +26,89 @@ inline bool IsText(unsigned char b) {
   return Intl && b >= 191 && b <= 253;
 }
 
-// Bit i set when p[i] is a text byte.
-template <bool Intl>
-inline quint64 TextMask(const unsigned char* p) {
+// Bit masks of 64 bytes with the instructions every build has.
+struct BaseMasks {
+  static constexpr bool kCounts = false;  // popcount may be a library call
+  // Bit i set when p[i] is a text byte.
+  template <bool Intl>
+  static quint64 Text(const unsigned char* p) {
 #if defined(__SSE2__)
-  const __m128i k32 = _mm_set1_epi8(32), k94 = _mm_set1_epi8(94), k96 = _mm_set1_epi8(96);
-  quint64 m = 0;
-  for (int i = 0; i < 4; ++i) {
-    const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16 * i));
-    const __m128i t = _mm_sub_epi8(x, k32);
-    __m128i ok = _mm_cmpeq_epi8(_mm_min_epu8(t, k94), t);  // 32..126
-    ok = _mm_andnot_si128(_mm_or_si128(_mm_cmpeq_epi8(x, k94), _mm_cmpeq_epi8(x, k96)), ok);
-    if constexpr (Intl) {
-      const __m128i u = _mm_sub_epi8(x, _mm_set1_epi8(char(191)));
-      ok = _mm_or_si128(ok, _mm_cmpeq_epi8(_mm_min_epu8(u, _mm_set1_epi8(62)), u));  // 191..253
+    const __m128i k32 = _mm_set1_epi8(32), k94 = _mm_set1_epi8(94), k96 = _mm_set1_epi8(96);
+    quint64 m = 0;
+    for (int i = 0; i < 4; ++i) {
+      const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16 * i));
+      const __m128i t = _mm_sub_epi8(x, k32);
+      __m128i ok = _mm_cmpeq_epi8(_mm_min_epu8(t, k94), t);  // 32..126
+      ok = _mm_andnot_si128(_mm_or_si128(_mm_cmpeq_epi8(x, k94), _mm_cmpeq_epi8(x, k96)), ok);
+      if constexpr (Intl) {
+        const __m128i u = _mm_sub_epi8(x, _mm_set1_epi8(char(191)));
+        ok = _mm_or_si128(ok, _mm_cmpeq_epi8(_mm_min_epu8(u, _mm_set1_epi8(62)), u));  // 191..253
+      }
+      m |= quint64(quint32(_mm_movemask_epi8(ok)) & 0xFFFFu) << (16 * i);
     }
-    m |= quint64(quint32(_mm_movemask_epi8(ok)) & 0xFFFFu) << (16 * i);
-  }
-  return m;
+    return m;
 #else
-  quint64 m = 0;
-  for (int i = 0; i < 64; ++i) m |= quint64(IsText<Intl>(p[i])) << i;
-  return m;
+    quint64 m = 0;
+    for (int i = 0; i < 64; ++i) m |= quint64(IsText<Intl>(p[i])) << i;
+    return m;
 #endif
-}
+  }
 
-// Bit i set when p[i] == c.
-inline quint64 ByteMask(const unsigned char* p, char c) {
+  // Bit i set when p[i] == c.
+  static quint64 Byte(const unsigned char* p, char c) {
 #if defined(__SSE2__)
-  const __m128i k = _mm_set1_epi8(c);
-  quint64 m = 0;
-  for (int i = 0; i < 4; ++i) {
-    const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16 * i));
-    m |= quint64(quint32(_mm_movemask_epi8(_mm_cmpeq_epi8(x, k))) & 0xFFFFu) << (16 * i);
-  }
-  return m;
+    const __m128i k = _mm_set1_epi8(c);
+    quint64 m = 0;
+    for (int i = 0; i < 4; ++i) {
+      const __m128i x = _mm_loadu_si128(reinterpret_cast<const __m128i*>(p + 16 * i));
+      m |= quint64(quint32(_mm_movemask_epi8(_mm_cmpeq_epi8(x, k))) & 0xFFFFu) << (16 * i);
+    }
+    return m;
 #else
-  quint64 m = 0;
-  for (int i = 0; i < 64; ++i) m |= quint64(p[i] == static_cast<unsigned char>(c)) << i;
-  return m;
+    quint64 m = 0;
+    for (int i = 0; i < 64; ++i) m |= quint64(p[i] == static_cast<unsigned char>(c)) << i;
+    return m;
 #endif
-}
+  }
+};
+
+#if defined(__x86_64__)
+// The same 32 bytes at a time, for processors that have AVX2. The scan
+// templates below are inlined into AVX2 functions to use these.
+struct Avx2Masks {
+  static constexpr bool kCounts = true;
+  __attribute__((target("avx2,popcnt,bmi"))) static inline quint64 Join(__m256i low, __m256i high) {
+    return quint64(quint32(_mm256_movemask_epi8(low))) | quint64(quint32(_mm256_movemask_epi8(high))) << 32;
+  }
+
+  template <bool Intl>
+  __attribute__((target("avx2,popcnt,bmi"))) static inline __m256i Text32(__m256i x) {
+    const __m256i k94 = _mm256_set1_epi8(94);
+    const __m256i t = _mm256_sub_epi8(x, _mm256_set1_epi8(32));
+    __m256i ok = _mm256_cmpeq_epi8(_mm256_min_epu8(t, k94), t);
+    ok = _mm256_andnot_si256(_mm256_or_si256(_mm256_cmpeq_epi8(x, k94), _mm256_cmpeq_epi8(x, _mm256_set1_epi8(96))), ok);
+    if constexpr (Intl) {
+      const __m256i u = _mm256_sub_epi8(x, _mm256_set1_epi8(char(191)));
+      ok = _mm256_or_si256(ok, _mm256_cmpeq_epi8(_mm256_min_epu8(u, _mm256_set1_epi8(62)), u));
+    }
+    return ok;
+  }
+
+  template <bool Intl>
+  __attribute__((target("avx2,popcnt,bmi"))) static inline quint64 Text(const unsigned char* p) {
+    return Join(Text32<Intl>(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p))),
+                Text32<Intl>(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 32))));
+  }
+
+  __attribute__((target("avx2,popcnt,bmi"))) static inline quint64 Byte(const unsigned char* p, char c) {
+    const __m256i k = _mm256_set1_epi8(c);
+    return Join(_mm256_cmpeq_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p)), k),
+                _mm256_cmpeq_epi8(_mm256_loadu_si256(reinterpret_cast<const __m256i*>(p + 32)), k));
+  }
+};
+
+const bool kHasAvx2 = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("popcnt") && __builtin_cpu_supports("bmi");
+#endif
 
 inline int Low(quint64 m) { return __builtin_ctzll(m); }
 inline int High(quint64 m) { return 63 - __builtin_clzll(m); }
@@ -78,8 +122,8 @@ struct RunState {
 };
 
 // Scans `got` bytes found at file offset `at`.
-template <bool Intl>
-void RunStep(const unsigned char* p, qint64 got, qint64 at, RunState* state, RunPiece* out) {
+template <bool Intl, class Masks>
+__attribute__((always_inline)) inline void RunStep(const unsigned char* p, qint64 got, qint64 at, RunState* state, RunPiece* out) {
   const auto record = [out](qint64 start, qint64 length) {
     if (length >= 5) out->runs.emplace_back(start, length);
   };
@@ -87,11 +131,11 @@ void RunStep(const unsigned char* p, qint64 got, qint64 at, RunState* state, Run
   quint64 top = state->top;
   bool inPrefix = state->inPrefix;
   const qint64 words = got / 64;
-  quint64 m = words ? TextMask<Intl>(p) : 0;
+  quint64 m = words ? Masks::template Text<Intl>(p) : 0;
   for (qint64 w = 0; w < words; ++w) {
     // Past the bytes counts as text: a run found long here is measured by
     // its real end all the same.
-    const quint64 next = w + 1 < words ? TextMask<Intl>(p + 64 * (w + 1)) : ~quint64(0);
+    const quint64 next = w + 1 < words ? Masks::template Text<Intl>(p + 64 * (w + 1)) : ~quint64(0);
     if (inPrefix) {
       if (~m == 0) {
         prefix += 64;
@@ -138,6 +182,18 @@ void RunStep(const unsigned char* p, qint64 got, qint64 at, RunState* state, Run
 }
 
 template <bool Intl>
+void RunStepBase(const unsigned char* p, qint64 got, qint64 at, RunState* state, RunPiece* out) {
+  RunStep<Intl, BaseMasks>(p, got, at, state, out);
+}
+
+#if defined(__x86_64__)
+template <bool Intl>
+__attribute__((target("avx2,popcnt,bmi"))) void RunStepAvx2(const unsigned char* p, qint64 got, qint64 at, RunState* state, RunPiece* out) {
+  RunStep<Intl, Avx2Masks>(p, got, at, state, out);
+}
+#endif
+
+template <bool Intl>
 void ScanRuns(int fd, qint64 from, qint64 n, RunPiece* out) {
   RunState state;
   const auto finish = [&](qint64 got) {
@@ -151,7 +207,11 @@ void ScanRuns(int fd, qint64 from, qint64 n, RunPiece* out) {
   while (done < n) {
     const qint64 want = std::min(kStep, n - done);
     const qint64 got = ReadFully(fd, reinterpret_cast<char*>(buffer.get()), want, from + done);
-    RunStep<Intl>(buffer.get(), got, from + done, &state, out);
+#if defined(__x86_64__)
+    if (kHasAvx2) RunStepAvx2<Intl>(buffer.get(), got, from + done, &state, out);
+    else
+#endif
+      RunStepBase<Intl>(buffer.get(), got, from + done, &state, out);
     done += got;
     if (got < want) break;  // the file shrank
   }
@@ -160,24 +220,36 @@ void ScanRuns(int fd, qint64 from, qint64 n, RunPiece* out) {
 
 // Line starts after the line ends in `got` bytes found `at` bytes into the
 // piece; `before` is the byte ahead of them, then their last.
-qint64 LineStep(const unsigned char* p, qint64 got, qint64 at, char needle, bool crlf, char* before, quint32* starts) {
+template <class Masks>
+__attribute__((always_inline)) inline qint64 LineStep(const unsigned char* p, qint64 got, qint64 at, char needle, bool crlf,
+                                                      char* before, quint32* starts) {
   qint64 count = 0;
   const qint64 words = got / 64;
   quint64 crTop = *before == '\r';
   for (qint64 w = 0; w < words; ++w) {
     const unsigned char* q = p + 64 * w;
-    quint64 m = ByteMask(q, needle);
+    quint64 m = Masks::Byte(q, needle);
     if (crlf) {
       if (m) {
-        const quint64 cr = ByteMask(q, '\r');
+        const quint64 cr = Masks::Byte(q, '\r');
         m &= (cr << 1) | crTop;
         crTop = cr >> 63;
       } else {
         crTop = q[63] == '\r';
       }
     }
-    const qint64 base = at + 64 * w + 1;
-    for (; m; m &= m - 1) starts[count++] = quint32(base + Low(m));
+    const quint32 base = quint32(at + 64 * w + 1);
+    if constexpr (Masks::kCounts) {
+      // Four written whether there are or not (the buffer has room): no
+      // branch to mispredict for the usual one or two line ends a word.
+      const int found = __builtin_popcountll(m);
+      quint32* out = starts + count;
+      for (int k = 0; k < 4; ++k, m &= m - 1) out[k] = base + quint32(Low(m | (quint64(1) << 63)));
+      for (int k = 4; m; ++k, m &= m - 1) out[k] = base + quint32(Low(m));
+      count += found;
+    } else {
+      for (; m; m &= m - 1) starts[count++] = base + quint32(Low(m));
+    }
   }
   for (qint64 i = words * 64; i < got; ++i) {
     const unsigned char previous = i ? p[i - 1] : static_cast<unsigned char>(*before);
@@ -186,6 +258,17 @@ qint64 LineStep(const unsigned char* p, qint64 got, qint64 at, char needle, bool
   if (got > 0) *before = char(p[got - 1]);
   return count;
 }
+
+qint64 LineStepBase(const unsigned char* p, qint64 got, qint64 at, char needle, bool crlf, char* before, quint32* starts) {
+  return LineStep<BaseMasks>(p, got, at, needle, crlf, before, starts);
+}
+
+#if defined(__x86_64__)
+__attribute__((target("avx2,popcnt,bmi"))) qint64 LineStepAvx2(const unsigned char* p, qint64 got, qint64 at, char needle, bool crlf,
+                                                    char* before, quint32* starts) {
+  return LineStep<Avx2Masks>(p, got, at, needle, crlf, before, starts);
+}
+#endif
 
 }  // namespace
 
@@ -207,7 +290,7 @@ void ScanRunPiece(int fd, qint64 from, qint64 n, bool international, RunPiece* o
 
 void ScanLinePiece(int fd, qint64 from, qint64 n, char needle, bool crlf, int separator, LinePiece* out) {
   if (out->capacity < n) {
-    out->starts.reset(new quint32[size_t(n)]);
+    out->starts.reset(new quint32[size_t(n) + 64]);  // room to write past the last
     out->capacity = n;
   }
   quint32* starts = out->starts.get();
@@ -218,7 +301,11 @@ void ScanLinePiece(int fd, qint64 from, qint64 n, char needle, bool crlf, int se
   while (done < n) {
     const qint64 want = std::min(kStep, n - done);
     const qint64 got = ReadFully(fd, reinterpret_cast<char*>(buffer.get()), want, from + done);
-    count += LineStep(buffer.get(), got, done, needle, crlf, &before, starts + count);
+#if defined(__x86_64__)
+    if (kHasAvx2) count += LineStepAvx2(buffer.get(), got, done, needle, crlf, &before, starts + count);
+    else
+#endif
+      count += LineStepBase(buffer.get(), got, done, needle, crlf, &before, starts + count);
     done += got;
     if (got < want) break;  // the file shrank
   }

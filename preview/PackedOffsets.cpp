@@ -1,6 +1,9 @@
 #include "preview/PackedOffsets.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <new>
+#include <sys/mman.h>
 
 namespace preview {
 
@@ -10,14 +13,22 @@ void PackedOffsets::clear() {
   size_ = 0;
 }
 
+void PackedOffsets::Free::operator()(quint32* p) const { std::free(p); }
+
 PackedOffsets::Block* PackedOffsets::addBlock(qint64 base) {
-  // Small files get a small first block; large ones 64 K entries a block.
-  const qint32 capacity = qint32(1024) << std::min<size_t>(blocks_.size(), 6);
+  // Small files get small blocks; large ones blocks of 2 or 4 MB, in huge
+  // pages where the system has them (a few faults instead of thousands).
+  constexpr size_t kHuge = 2 << 20;
+  const qint32 capacity = qint32(1024) << std::min<size_t>(blocks_.size(), 9);
+  const size_t bytes = size_t(capacity) * size_t(stride_) * sizeof(quint32);
+  void* words = bytes % kHuge == 0 ? std::aligned_alloc(kHuge, bytes) : std::malloc(bytes);
+  if (!words) throw std::bad_alloc();
+  if (bytes % kHuge == 0) madvise(words, bytes, MADV_HUGEPAGE);
   Block b;
   b.base = base;
   b.first = size_;
   b.capacity = capacity;
-  b.words.reset(new quint32[size_t(capacity) * size_t(stride_)]);
+  b.words.reset(static_cast<quint32*>(words));
   blocks_.push_back(std::move(b));
   return &blocks_.back();
 }

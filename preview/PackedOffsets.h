@@ -51,11 +51,14 @@ class PackedOffsets {
   }
 
  private:
+  struct Free {
+    void operator()(quint32* p) const;
+  };
   struct Block {
     qint64 base = 0;   // offset the distances count from
     qint64 first = 0;  // index of the block's first entry
     qint32 count = 0, capacity = 0;
-    std::unique_ptr<quint32[]> words;
+    std::unique_ptr<quint32[], Free> words;
   };
   Block* addBlock(qint64 base);
   const Block& find(qint64 i) const;
