@@ -153,7 +153,8 @@ bool FileViewDocument::indexText(const Progress& progress, qint64 pieceBytes) {
   separator_ = end == kLineEndDos ? 2 : 1;
   const char needle = end == kLineEndMac ? '\r' : '\n';
 
-  const qint64 piece = pieceBytes > 0 ? pieceBytes : kPiece;
+  // Line starts are kept as 32-bit distances within a piece.
+  const qint64 piece = pieceBytes > 0 ? std::min<qint64>(pieceBytes, 1 << 30) : kPiece;
   starts_.append(0);
   qint64 lastStart = 0;
   LinePiece pieces[2];
