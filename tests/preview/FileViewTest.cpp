@@ -152,6 +152,23 @@ class FileViewTest : public QObject {
     QString got;
     runs.forEach([&](qint64 offset, quint32 length) { got += QStringLiteral("%1:%2 ").arg(offset).arg(length); });
     QCOMPARE(got, expected);
+
+    // Stopped halfway: the runs that ended before that point stay.
+    PackedOffsets some(true);
+    bool stopped = false;
+    qint64 reached = 0, lastEnd = 0;
+    QVERIFY(ScanTextRuns(Make(bytes), international, &some, [&](qint64 done, qint64) {
+      reached = done;
+      stopped = done >= size / 2;
+      return !stopped;
+    }, pieceBytes));
+    QString part;
+    some.forEach([&](qint64 offset, quint32 length) {
+      lastEnd = offset + length;
+      part += QStringLiteral("%1:%2 ").arg(offset).arg(length);
+    });
+    QVERIFY(expected.startsWith(part));
+    if (stopped) QVERIFY(lastEnd < reached && part.size() < expected.size());
   }
 
   // The line index built in pieces against a plain split at the separator.
