@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <condition_variable>
 #include <memory>
+#include <mutex>
 #include <system_error>
 #include <thread>
 #include <unistd.h>
@@ -316,17 +318,67 @@ void ScanLinePiece(int fd, qint64 from, qint64 n, char needle, bool crlf, int se
   out->got = done;
 }
 
-void RunPair(const std::function<void(int)>& job) {
-  std::thread second;
-  try {
-    second = std::thread([&job] { job(1); });
-  } catch (const std::system_error&) {
-    job(0);
-    job(1);
-    return;
+bool ScanInOrder(qint64 count, int slots, const std::function<void(qint64, int)>& scan,
+                 const std::function<bool(qint64, int)>& join, const std::function<bool()>& proceed) {
+  std::mutex mutex;
+  std::condition_variable changed;
+  qint64 next = 0, joined = 0;  // the next piece to scan, to join
+  bool stop = false;
+  std::vector<char> done(size_t(slots), 0);
+  const auto canClaim = [&] { return !stop && next < count && next < joined + slots; };
+  // Scans a claimed piece unlocked, then marks its slot done.
+  const auto run = [&](std::unique_lock<std::mutex>& lock) {
+    const qint64 k = next++;
+    lock.unlock();
+    scan(k, int(k % slots));
+    lock.lock();
+    done[size_t(k % slots)] = 1;
+    changed.notify_all();
+  };
+  std::thread helper;
+  if (count > 1) {
+    try {
+      helper = std::thread([&] {
+        std::unique_lock<std::mutex> lock(mutex);
+        while (!stop && next < count) {
+          if (canClaim()) run(lock);
+          else changed.wait(lock);
+        }
+      });
+    } catch (const std::system_error&) {
+      // No second thread: this one does it all.
+    }
   }
-  job(0);
-  second.join();
+  bool finished = true;
+  std::unique_lock<std::mutex> lock(mutex);
+  while (joined < count) {
+    lock.unlock();
+    const bool go = proceed();
+    lock.lock();
+    if (!go) {
+      finished = false;
+      break;
+    }
+    const size_t slot = size_t(joined % slots);
+    if (done[slot]) {
+      lock.unlock();
+      const bool more = join(joined, int(slot));
+      lock.lock();
+      done[slot] = 0;
+      ++joined;
+      changed.notify_all();
+      if (!more) break;
+    } else if (canClaim()) {
+      run(lock);
+    } else {
+      changed.wait(lock, [&] { return done[slot] != 0; });
+    }
+  }
+  stop = true;
+  changed.notify_all();
+  lock.unlock();
+  if (helper.joinable()) helper.join();
+  return finished;
 }
 
 }  // namespace preview

@@ -6,7 +6,7 @@
 #include <vector>
 
 // The inner loops of the viewer's whole-file reads: 64 bytes at a time as
-// bit masks, read in cache-sized steps, one piece of the file per thread.
+// bit masks, read in cache-sized steps, pieces of the file on two threads.
 // Each piece is scanned on its own; the caller joins the pieces in order.
 namespace preview {
 
@@ -41,8 +41,12 @@ void ScanLinePiece(int fd, qint64 from, qint64 n, char needle, bool crlf, int se
 // Reads up to `size` bytes at `offset`, short only at the end of the file.
 qint64 ReadFully(int fd, char* buffer, qint64 size, qint64 offset);
 
-// Runs job(0) here and job(1) on a second thread, and waits for both; both
-// here, one after the other, when no thread can be had.
-void RunPair(const std::function<void(int)>& job);
+// Scans pieces 0..count-1 here and on a helper thread, each into slot
+// piece % slots, and hands them to join(piece, slot) here in file order;
+// the helper stays at most `slots` pieces ahead. `proceed` is asked here
+// before each step; false stops it all, and so does join returning false.
+// Returns false when `proceed` stopped it.
+bool ScanInOrder(qint64 count, int slots, const std::function<void(qint64 piece, int slot)>& scan,
+                 const std::function<bool(qint64 piece, int slot)>& join, const std::function<bool()>& proceed);
 
 }  // namespace preview

@@ -16,8 +16,8 @@ namespace preview {
 namespace {
 
 constexpr qsizetype kChunk = 1 << 20;
-// Bytes one thread indexes at a time: large enough to pay for the thread.
-constexpr qint64 kPiece = 4 << 20;
+// Bytes one thread indexes at a time.
+constexpr qint64 kPiece = 1 << 20;
 
 QString Thousands(qint64 n) { return core::FormatNumber(double(n), u"#,0"); }
 
@@ -157,34 +157,27 @@ bool FileViewDocument::indexText(const Progress& progress, qint64 pieceBytes) {
   const qint64 piece = pieceBytes > 0 ? std::min<qint64>(pieceBytes, 1 << 30) : kPiece;
   starts_.append(0);
   qint64 lastStart = 0;
-  LinePiece pieces[2];
-  qint64 at = 0;
-  while (at < length_) {
-    if (progress && !progress(at, length_)) return false;
-    const qint64 n0 = std::min(piece, length_ - at);
-    const qint64 n[2] = {n0, std::min(piece, length_ - at - n0)};
-    const auto scan = [&](int k) {
-      ScanLinePiece(fd_, at + (k ? n[0] : 0), n[k], needle, end == kLineEndDos, separator_, &pieces[k]);
-    };
-    if (n[1] > 0) RunPair(scan);
-    else scan(0);
-    bool shrank = false;
-    for (int k = 0; k < 2 && n[k] > 0 && !shrank; ++k) {
-      const qint64 base = at + (k ? n[0] : 0);
-      const LinePiece& p = pieces[k];
-      if (p.count > 0) {
-        maxLineWidth_ = std::max({maxLineWidth_, base + p.starts[0] - separator_ - lastStart, p.widest});
-        starts_.appendBatch(base, p.starts.get(), p.count);
-        lastStart = base + p.starts[size_t(p.count - 1)];
-      }
-      if (p.got < n[k]) {
-        shrank = true;
+  constexpr int kSlots = 4;
+  LinePiece slots[kSlots];
+  qint64 at = 0;  // bytes joined
+  const bool finished = ScanInOrder(
+      (length_ + piece - 1) / piece, kSlots,
+      [&](qint64 k, int slot) {
+        ScanLinePiece(fd_, k * piece, std::min(piece, length_ - k * piece), needle, end == kLineEndDos, separator_, &slots[slot]);
+      },
+      [&](qint64 k, int slot) {
+        const qint64 base = k * piece, n = std::min(piece, length_ - base);
+        const LinePiece& p = slots[slot];
+        if (p.count > 0) {
+          maxLineWidth_ = std::max({maxLineWidth_, base + p.starts[0] - separator_ - lastStart, p.widest});
+          starts_.appendBatch(base, p.starts.get(), p.count);
+          lastStart = base + p.starts[size_t(p.count - 1)];
+        }
         at = base + p.got;
-      }
-    }
-    if (shrank) break;
-    at += n[0] + n[1];
-  }
+        return p.got == n;  // else the file shrank
+      },
+      [&] { return !progress || progress(at, length_); });
+  if (!finished) return false;
   // The file may have shrunk: the last line ends where reading did.
   length_ = std::min(length_, at);
   maxLineWidth_ = std::max(maxLineWidth_, length_ - lastStart);

@@ -56,8 +56,8 @@ QChar Cp1252(unsigned char b) {
   return QChar(char16_t(b));
 }
 
-// Bytes one thread scans at a time: large enough to pay for the thread.
-constexpr qint64 kDefaultPiece = 4 << 20;
+// Bytes one thread scans at a time.
+constexpr qint64 kDefaultPiece = 1 << 20;
 
 constexpr char kHexUpper[] = "0123456789ABCDEF";
 constexpr char kHexLower[] = "0123456789abcdef";
@@ -153,32 +153,20 @@ bool ScanTextRuns(const QString& path, bool international, PackedOffsets* runs,
     for (size_t i = first; i < p.runs.size(); ++i) record(p.runs[i].first, p.runs[i].second);
     open = p.open;
   };
-  RunPiece pieces[2];
-  qint64 at = 0;
-  bool stopped = false;
-  while (at < padded) {
-    if (progress && !progress(at, length)) {
-      stopped = true;
-      break;
-    }
-    const qint64 n0 = std::min(piece, padded - at);
-    const qint64 n[2] = {n0, std::min(piece, padded - at - n0)};
-    const auto scan = [&](int k) { ScanRunPiece(fd, at + (k ? n[0] : 0), n[k], international, &pieces[k]); };
-    if (n[1] > 0) RunPair(scan);
-    else scan(0);
-    bool shrank = false;
-    for (int k = 0; k < 2 && n[k] > 0 && !shrank; ++k) {
-      const qint64 base = at + (k ? n[0] : 0);
-      join(pieces[k], base);
-      // Beyond the end, or what a shrinking file no longer has, reads as zero.
-      if (pieces[k].got < n[k]) {
-        shrank = true;
-        at = base + pieces[k].got;
-      }
-    }
-    if (shrank) break;
-    at += n[0] + n[1];
-  }
+  constexpr int kSlots = 4;
+  RunPiece slots[kSlots];
+  qint64 at = 0;  // bytes joined
+  const bool stopped = !ScanInOrder(
+      (padded + piece - 1) / piece, kSlots,
+      [&](qint64 k, int slot) { ScanRunPiece(fd, k * piece, std::min(piece, padded - k * piece), international, &slots[slot]); },
+      [&](qint64 k, int slot) {
+        const qint64 base = k * piece, n = std::min(piece, padded - base);
+        join(slots[slot], base);
+        // Beyond the end, or what a shrinking file no longer has, reads as zero.
+        at = base + slots[slot].got;
+        return slots[slot].got == n;
+      },
+      [&] { return !progress || progress(at, length); });
   if (!stopped && open >= 0 && at < padded) record(open, at - open);
   close(fd);
   return true;
