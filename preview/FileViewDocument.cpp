@@ -9,12 +9,15 @@
 #include "core/NumberFormat.h"
 #include "platform/Clock.h"
 #include "platform/NativePath.h"
+#include "preview/FileScan.h"
 
 namespace preview {
 
 namespace {
 
 constexpr qsizetype kChunk = 1 << 20;
+// Bytes one thread indexes at a time.
+constexpr qint64 kPiece = 1 << 20;
 
 QString Thousands(qint64 n) { return core::FormatNumber(double(n), u"#,0"); }
 
@@ -49,9 +52,7 @@ void FileViewDocument::clear() {
   seconds_ = 0;
   aborted_ = false;
   starts_.clear();
-  starts_.shrink_to_fit();
   runs_.clear();
-  runs_.shrink_to_fit();
   totalTextBytes_ = 0;
   separator_ = 0;
   utf8_ = false;
@@ -88,7 +89,7 @@ FileKind FileViewDocument::load(const QString& path, const Options& options, con
   switch (mode_) {
     case kViewText:
       viewName_ = QStringLiteral("ASCII");
-      aborted_ = !indexText(progress);
+      aborted_ = !indexText(progress, options.pieceBytes);
       break;
     case kViewHex:
       viewName_ = QStringLiteral("Hex");
@@ -99,17 +100,20 @@ FileKind FileViewDocument::load(const QString& path, const Options& options, con
     default: {
       viewName_ = QStringLiteral("Text");
       bool stopped = false;
-      ScanTextRuns(path, options.international, &runs_, [&](qint64 done, qint64 total) {
-        stopped = progress && !progress(done, total);
-        return !stopped;
-      });
+      ScanTextRuns(
+          path, options.international, &runs_,
+          [&](qint64 done, qint64 total) {
+            stopped = progress && !progress(done, total);
+            return !stopped;
+          },
+          options.pieceBytes);
       aborted_ = stopped;
       qint64 longest = 0;
-      for (const TextRun& r : runs_) {
-        totalTextBytes_ += r.length;
-        longest = std::max<qint64>(longest, r.length);
-      }
-      lineCount_ = qint64(runs_.size());
+      runs_.forEach([&](qint64, quint32 length) {
+        totalTextBytes_ += length;
+        longest = std::max<qint64>(longest, length);
+      });
+      lineCount_ = runs_.size();
       maxLineWidth_ = longest + 10;
       break;
     }
@@ -118,26 +122,29 @@ FileKind FileViewDocument::load(const QString& path, const Options& options, con
   return kind_;
 }
 
-// Two passes with memchr: the first positions of CR LF, LF and CR decide the
-// separator (a file without CR LF is read to its end to know), the second
-// records where each line starts.
-bool FileViewDocument::indexText(const Progress& progress) {
-  std::vector<char> buffer(static_cast<size_t>(kChunk) + 1);
+// Two passes: the first positions of CR LF, LF and CR decide the separator
+// (read only as far as needed: an LF before any CR means UNIX whatever
+// follows), the second records where each line starts, two pieces at once.
+bool FileViewDocument::indexText(const Progress& progress, qint64 pieceBytes) {
+  std::vector<char> buffer(static_cast<size_t>(kChunk));
   char* b = buffer.data();
   qint64 crlf = 0, lf = 0, cr = 0;  // 1-based, 0 absent
   char previous = 0;
-  for (qint64 at = 0; at < length_ && crlf == 0;) {
-    const qsizetype got = readAt(b, kChunk, at);
+  for (qint64 at = 0; at < length_;) {
+    const qsizetype got = readAt(b, qsizetype(std::min<qint64>(kChunk, length_ - at)), at);
     if (got <= 0) break;
-    if (!lf)
-      if (const void* p = std::memchr(b, '\n', size_t(got))) lf = at + (static_cast<const char*>(p) - b) + 1;
     if (!cr)
       if (const void* p = std::memchr(b, '\r', size_t(got))) cr = at + (static_cast<const char*>(p) - b) + 1;
-    if (previous == '\r' && b[0] == '\n') crlf = at;  // across the chunk boundary
-    for (const char* p = b; !crlf && (p = static_cast<const char*>(std::memchr(p, '\r', size_t(b + got - p))));) {
-      if (p + 1 < b + got && p[1] == '\n') crlf = at + (p - b) + 1;
-      ++p;
+    for (const char* p = b; (p = static_cast<const char*>(std::memchr(p, '\n', size_t(b + got - p)))); ++p) {
+      const qint64 pos = at + (p - b) + 1;
+      if (!lf) lf = pos;
+      if ((p > b ? p[-1] : previous) == '\r') {
+        crlf = pos - 1;
+        break;
+      }
+      if (!cr || lf < cr) break;
     }
+    if (crlf || (lf && (!cr || lf < cr))) break;
     previous = b[got - 1];
     at += got;
   }
@@ -146,30 +153,35 @@ bool FileViewDocument::indexText(const Progress& progress) {
   separator_ = end == kLineEndDos ? 2 : 1;
   const char needle = end == kLineEndMac ? '\r' : '\n';
 
-  starts_.push_back(0);
-  previous = 0;
-  qint64 at = 0;
-  for (; at < length_;) {
-    if (progress && !progress(at, length_)) return false;
-    const qsizetype got = readAt(b, kChunk, at);
-    if (got <= 0) break;
-    for (const char* p = b; (p = static_cast<const char*>(std::memchr(p, needle, size_t(b + got - p))));) {
-      const qint64 pos = at + (p - b);
-      // A DOS line ends only at CR LF; a lone LF stays in its line.
-      const bool ends = end != kLineEndDos || (p > b ? p[-1] == '\r' : previous == '\r');
-      if (ends) {
-        maxLineWidth_ = std::max(maxLineWidth_, pos + 1 - separator_ - starts_.back());
-        starts_.push_back(pos + 1);
-      }
-      ++p;
-    }
-    previous = b[got - 1];
-    at += got;
-  }
+  // Line starts are kept as 32-bit distances within a piece.
+  const qint64 piece = pieceBytes > 0 ? std::min<qint64>(pieceBytes, 1 << 30) : kPiece;
+  starts_.append(0);
+  qint64 lastStart = 0;
+  constexpr int kSlots = 4;
+  LinePiece slots[kSlots];
+  qint64 at = 0;  // bytes joined
+  const bool finished = ScanInOrder(
+      (length_ + piece - 1) / piece, kSlots,
+      [&](qint64 k, int slot) {
+        ScanLinePiece(fd_, k * piece, std::min(piece, length_ - k * piece), needle, end == kLineEndDos, separator_, &slots[slot]);
+      },
+      [&](qint64 k, int slot) {
+        const qint64 base = k * piece, n = std::min(piece, length_ - base);
+        const LinePiece& p = slots[slot];
+        if (p.count > 0) {
+          maxLineWidth_ = std::max({maxLineWidth_, base + p.starts[0] - separator_ - lastStart, p.widest});
+          starts_.appendBatch(base, p.starts.get(), p.count);
+          lastStart = base + p.starts[size_t(p.count - 1)];
+        }
+        at = base + p.got;
+        return p.got == n;  // else the file shrank
+      },
+      [&] { return !progress || progress(at, length_); });
+  if (!finished) return false;
   // The file may have shrunk: the last line ends where reading did.
   length_ = std::min(length_, at);
-  maxLineWidth_ = std::max(maxLineWidth_, length_ - starts_.back());
-  lineCount_ = qint64(starts_.size());
+  maxLineWidth_ = std::max(maxLineWidth_, length_ - lastStart);
+  lineCount_ = starts_.size();
   // UTF-8 when its first part is valid UTF-8; else the Windows code page.
   const qsizetype sample = readAt(b, std::min<qsizetype>(kChunk, qsizetype(length_)), 0);
   utf8_ = IsUtf8(reinterpret_cast<const unsigned char*>(b), sample);
@@ -183,7 +195,7 @@ QString FileViewDocument::headerLine(qint64 top) const {
   top = std::clamp<qint64>(top, 0, lineCount_ - 1);
   const QString count = QString::number(lineCount_);
   return QStringLiteral("Offset    Text ") + QString::number(top + 1).rightJustified(count.size()) + u'/' + count +
-         u' ' + QString::number(runs_[size_t(top)].length).rightJustified(4) + QStringLiteral(" bytes     Total: ") +
+         u' ' + QString::number(runs_.value(top)).rightJustified(4) + QStringLiteral(" bytes     Total: ") +
          Thousands(totalTextBytes_) + QStringLiteral(" bytes");
 }
 
@@ -198,18 +210,18 @@ QString FileViewDocument::line(qint64 n, qint64 from, qint64 maxChars) const {
       return FormatHexLine(bytes, int(got), offset, offsetDigits_).mid(from, maxChars);
     }
     case kViewExtract: {
-      const TextRun& r = runs_[size_t(n)];
-      QString out = QString::number(quint64(r.offset), 16).rightJustified(8, u'0') + QStringLiteral(": ");
+      const qint64 offset = runs_.offset(n), length = runs_.value(n);
+      QString out = QString::number(quint64(offset), 16).rightJustified(8, u'0') + QStringLiteral(": ");
       const qint64 skip = std::max<qint64>(0, from - out.size());
       out = out.mid(from);
-      const qsizetype want = qsizetype(std::clamp<qint64>(std::min<qint64>(r.length - skip, maxChars - out.size()), 0, kWholeLine));
+      const qsizetype want = qsizetype(std::clamp<qint64>(std::min<qint64>(length - skip, maxChars - out.size()), 0, kWholeLine));
       QByteArray bytes(want, Qt::Uninitialized);
-      bytes.truncate(readAt(bytes.data(), want, r.offset + skip));
+      bytes.truncate(readAt(bytes.data(), want, offset + skip));
       return out + DecodeBytes(bytes.constData(), bytes.size(), false);
     }
     case kViewText: {
-      const qint64 begin = starts_[size_t(n)];
-      const qint64 end = n + 1 < lineCount_ ? starts_[size_t(n) + 1] - separator_ : length_;
+      const qint64 begin = starts_.offset(n);
+      const qint64 end = n + 1 < lineCount_ ? starts_.offset(n + 1) - separator_ : length_;
       // Bytes stand for characters closely enough to find a slice of a long
       // line; a few spare bytes keep a UTF-8 sequence whole.
       const qint64 first = std::min(begin + from, end);

@@ -18,6 +18,7 @@ class FileViewDocument {
     bool hexForText = false;        // "Hex"
     bool extractForBinary = false;  // "Extract text"
     bool international = false;     // wider text bytes for extraction
+    qint64 pieceBytes = 0;          // bytes a thread reads at a time; 0: a few megabytes
   };
   // Between blocks of a long read: bytes done and total; false stops it.
   using Progress = std::function<bool(qint64 done, qint64 total)>;
@@ -60,7 +61,7 @@ class FileViewDocument {
 
  private:
   void clear();
-  bool indexText(const Progress& progress);
+  bool indexText(const Progress& progress, qint64 pieceBytes);
   qsizetype readAt(char* buffer, qsizetype size, qint64 offset) const;
 
   int fd_ = -1;
@@ -73,13 +74,13 @@ class FileViewDocument {
   double seconds_ = 0;
   bool aborted_ = false;
   // Text view.
-  std::vector<qint64> starts_;  // each line's first byte
+  PackedOffsets starts_;  // each line's first byte
   int separator_ = 0;           // bytes of the line separator
   bool utf8_ = false;
   // Hex view.
   int offsetDigits_ = 8;
   // Extracted-text view.
-  std::vector<TextRun> runs_;
+  PackedOffsets runs_{true};  // offset and length
   qint64 totalTextBytes_ = 0;
 };
 

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "platform/NativePath.h"
+#include "preview/FileScan.h"
 #include "platform/SafeRename.h"
 
 namespace preview {
@@ -54,6 +55,9 @@ QChar Cp1252(unsigned char b) {
   if (b >= 0x80 && b < 0xA0) return QChar(kCp1252High[b - 0x80]);
   return QChar(char16_t(b));
 }
+
+// Bytes one thread scans at a time.
+constexpr qint64 kDefaultPiece = 1 << 20;
 
 constexpr char kHexUpper[] = "0123456789ABCDEF";
 constexpr char kHexLower[] = "0123456789abcdef";
@@ -120,38 +124,50 @@ bool IsTextByte(unsigned char b, bool international) {
   return international && b >= 191 && b <= 253;
 }
 
-bool ScanTextRuns(const QString& path, bool international, std::vector<TextRun>* runs,
-                  const std::function<bool(qint64, qint64)>& progress) {
+bool ScanTextRuns(const QString& path, bool international, PackedOffsets* runs,
+                  const std::function<bool(qint64, qint64)>& progress, qint64 pieceBytes) {
   qint64 length = 0;
   const int fd = OpenRegular(path, &length, nullptr);
   if (fd < 0) return false;
-  std::array<bool, 256> text{};
-  for (int b = 0; b < 256; ++b) text[size_t(b)] = IsTextByte(uchar(b), international);
-  constexpr qsizetype kBlock = 2048;
-  constexpr qsizetype kChunk = 512 * kBlock;  // read many blocks at once, walk them one by one
-  std::vector<unsigned char> buffer(static_cast<size_t>(kChunk));
-  qint64 runStart = -1;
-  const qint64 blocks = (length + kBlock - 1) / kBlock;
-  for (qint64 first = 0; first < blocks;) {
-    if (progress && !progress(first * kBlock, length)) break;
-    const qint64 count = std::min<qint64>(blocks - first, kChunk / kBlock);
-    const qint64 start = first * kBlock;
-    const qsizetype want = qsizetype(count * kBlock);
-    const qsizetype got = ReadAt(fd, reinterpret_cast<char*>(buffer.data()), want, start);
-    // Beyond the end (or what a shrinking file no longer has) reads as zero.
-    std::memset(buffer.data() + got, 0, size_t(want - got));
-    for (qsizetype i = 0; i < want; ++i) {
-      if (text[buffer[size_t(i)]]) {
-        if (runStart < 0) runStart = start + i;
-      } else if (runStart >= 0) {
-        const qint64 n = start + i - runStart;
-        if (n >= 5) runs->push_back({runStart, qint32(std::min<qint64>(n, 0x7FFFFFFF))});
-        runStart = -1;
-      }
+  constexpr qint64 kBlock = 2048;
+  const qint64 piece = pieceBytes > 0 ? pieceBytes : kDefaultPiece;
+  // The last block's padding closes a run that reaches the end of the bytes.
+  const qint64 padded = (length + kBlock - 1) / kBlock * kBlock;
+  const auto record = [runs](qint64 start, qint64 n) {
+    if (n >= 5) runs->append(start, quint32(std::min<qint64>(n, 0x7FFFFFFF)));
+  };
+  qint64 open = -1;  // first byte of the run still open, -1 none
+  // Adds a piece scanned on its own: its leading text bytes carry on (or
+  // close) the run open before it.
+  const auto join = [&](const RunPiece& p, qint64 base) {
+    if (p.got > 0 && p.prefix == p.got) {
+      if (open < 0) open = base;
+      return;
     }
-    first += count;
-    if (got < want && start + got < length) break;  // the file shrank: nothing more to read
-  }
+    size_t first = 0;
+    if (open >= 0 || p.prefix > 0) {
+      if (p.prefix > 0 && !p.runs.empty() && p.runs.front().first == base) first = 1;
+      const qint64 start = open >= 0 ? open : base;
+      record(start, base + p.prefix - start);
+    }
+    for (size_t i = first; i < p.runs.size(); ++i) record(p.runs[i].first, p.runs[i].second);
+    open = p.open;
+  };
+  constexpr int kSlots = 4;
+  RunPiece slots[kSlots];
+  qint64 at = 0;  // bytes joined
+  const bool stopped = !ScanInOrder(
+      (padded + piece - 1) / piece, kSlots,
+      [&](qint64 k, int slot) { ScanRunPiece(fd, k * piece, std::min(piece, padded - k * piece), international, &slots[slot]); },
+      [&](qint64 k, int slot) {
+        const qint64 base = k * piece, n = std::min(piece, padded - base);
+        join(slots[slot], base);
+        // Beyond the end, or what a shrinking file no longer has, reads as zero.
+        at = base + slots[slot].got;
+        return slots[slot].got == n;
+      },
+      [&] { return !progress || progress(at, length); });
+  if (!stopped && open >= 0 && at < padded) record(open, at - open);
   close(fd);
   return true;
 }

@@ -1,8 +1,9 @@
 #pragma once
 #include <QString>
-#include <atomic>
 #include <functional>
 #include <vector>
+
+#include "preview/PackedOffsets.h"
 
 namespace preview {
 
@@ -38,20 +39,16 @@ int HexOffsetDigits(qint64 length);
 // `international` also 191-253.
 bool IsTextByte(unsigned char byte, bool international);
 
-// A readable run of a binary file.
-struct TextRun {
-  qint64 offset = 0;
-  qint32 length = 0;
-};
-
-// Finds the runs of five or more text bytes, block by block (2048 bytes; the
-// last block is padded with zeros, so a run reaching the end of a file whose
-// length is not a multiple of 2048 is closed there, and one open at the end
-// of a whole block is not recorded). `progress` is called between blocks
-// with the bytes done; returning false stops the scan (the runs so far
-// stay). Returns false when the file could not be read.
-bool ScanTextRuns(const QString& path, bool international, std::vector<TextRun>* runs,
-                  const std::function<bool(qint64 done, qint64 total)>& progress = {});
+// Finds the runs of five or more text bytes, as if block by block (2048
+// bytes; the last block is padded with zeros, so a run reaching the end of a
+// file whose length is not a multiple of 2048 is closed there, and one open
+// at the end of a whole block is not recorded). Each run goes into `runs` as
+// its offset with its length as value. `progress` is called between pieces
+// of `pieceBytes` (0: a few megabytes; two are scanned at once) with the
+// bytes done; returning false stops the scan (the runs so far stay).
+// Returns false when the file could not be read.
+bool ScanTextRuns(const QString& path, bool international, PackedOffsets* runs,
+                  const std::function<bool(qint64 done, qint64 total)>& progress = {}, qint64 pieceBytes = 0);
 
 // Windows-1252 text for bytes (bytes 127 and above as that code page shows
 // them), or UTF-8 when `utf8`.

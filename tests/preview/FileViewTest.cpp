@@ -1,3 +1,4 @@
+#include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -101,11 +102,111 @@ class FileViewTest : public QObject {
   void runs() {
     QFETCH(QByteArray, bytes);
     QFETCH(bool, international);
-    std::vector<TextRun> runs;
+    PackedOffsets runs(true);
     QVERIFY(ScanTextRuns(Make(bytes), international, &runs));
     QStringList got;
-    for (const TextRun& r : runs) got.append(QStringLiteral("%1:%2").arg(r.offset).arg(r.length));
+    runs.forEach([&](qint64 offset, quint32 length) { got.append(QStringLiteral("%1:%2").arg(offset).arg(length)); });
     QTEST(got.join(u' '), "runs");
+  }
+
+  // Random bytes with runs of every length, some across piece and block
+  // edges: the pieces scanned two at a time and joined must give exactly
+  // what one walk over the zero-padded 2048-byte blocks gives.
+  void piecesMatchOneWalk_data() {
+    QTest::addColumn<int>("pieceBytes");
+    QTest::addColumn<bool>("international");
+    QTest::addColumn<int>("size");
+    QTest::newRow("7-byte pieces") << 7 << false << 20000;
+    QTest::newRow("one word a piece") << 64 << false << 20000;
+    QTest::newRow("65, international") << 65 << true << 20001;
+    QTest::newRow("block pieces, whole blocks") << 2048 << false << 8 * 2048;
+    QTest::newRow("odd pieces, whole blocks, international") << 3001 << true << 12 * 2048;
+    QTest::newRow("one piece") << 0 << false << 30000;
+  }
+  void piecesMatchOneWalk() {
+    QFETCH(int, pieceBytes);
+    QFETCH(bool, international);
+    QFETCH(int, size);
+    QRandomGenerator random(uint(size + pieceBytes));
+    QByteArray bytes;
+    while (bytes.size() < size) {
+      const int kind = int(random.bounded(4));
+      const int n = kind == 3 ? int(random.bounded(4000)) : int(random.bounded(1, 12));
+      for (int i = 0; i < n; ++i)
+        bytes += kind == 0 ? char(random.bounded(256)) : kind == 1 ? char(random.bounded(185, 256)) : char(random.bounded(32, 127));
+    }
+    bytes.truncate(size);
+    if (size % 2048 == 0) bytes.replace(size - 300, 300, QByteArray(300, 'z'));  // open at the very end
+    QString expected;
+    const QByteArray padded = bytes + QByteArray((2048 - size % 2048) % 2048, '\0');
+    for (qsizetype i = 0, start = -1; i < padded.size(); ++i) {
+      if (IsTextByte(uchar(padded[i]), international)) {
+        if (start < 0) start = i;
+      } else if (start >= 0) {
+        if (i - start >= 5) expected += QStringLiteral("%1:%2 ").arg(start).arg(i - start);
+        start = -1;
+      }
+    }
+    PackedOffsets runs(true);
+    QVERIFY(ScanTextRuns(Make(bytes), international, &runs, {}, pieceBytes));
+    QString got;
+    runs.forEach([&](qint64 offset, quint32 length) { got += QStringLiteral("%1:%2 ").arg(offset).arg(length); });
+    QCOMPARE(got, expected);
+
+    // Stopped halfway: the runs that ended before that point stay.
+    PackedOffsets some(true);
+    bool stopped = false;
+    qint64 reached = 0, lastEnd = 0;
+    QVERIFY(ScanTextRuns(Make(bytes), international, &some, [&](qint64 done, qint64) {
+      reached = done;
+      stopped = done >= size / 2;
+      return !stopped;
+    }, pieceBytes));
+    QString part;
+    some.forEach([&](qint64 offset, quint32 length) {
+      lastEnd = offset + length;
+      part += QStringLiteral("%1:%2 ").arg(offset).arg(length);
+    });
+    QVERIFY(expected.startsWith(part));
+    if (stopped) QVERIFY(lastEnd < reached && part.size() < expected.size());
+  }
+
+  // The line index built in pieces against a plain split at the separator.
+  void linePiecesMatchSplit_data() {
+    QTest::addColumn<int>("pieceBytes");
+    QTest::addColumn<QByteArray>("alphabet");  // line ends among letters
+    QTest::addColumn<QByteArray>("separator");
+    QTest::newRow("unix, 7-byte pieces") << 7 << QByteArray("ab\n\n") << QByteArray("\n");
+    QTest::newRow("dos with lone CR and LF, 64") << 64 << QByteArray("abc\r\n\r\n\n\r") << QByteArray("\r\n");
+    QTest::newRow("dos, CR LF across pieces") << 5 << QByteArray("abc\r\n\r\n") << QByteArray("\r\n");
+    QTest::newRow("mac, 65") << 65 << QByteArray("abcdefgh\r") << QByteArray("\r");
+    QTest::newRow("unix, long lines, one piece") << 0 << QByteArray("abcdefghijklmnopqrstuvwxyz\n") << QByteArray("\n");
+  }
+  void linePiecesMatchSplit() {
+    QFETCH(int, pieceBytes);
+    QFETCH(QByteArray, alphabet);
+    QFETCH(QByteArray, separator);
+    QRandomGenerator random(uint(pieceBytes + alphabet.size()));
+    QByteArray bytes = separator == "\r\n" ? "x\r\n" : separator == "\r" ? "x\r\r\n" : "x\n";
+    while (bytes.size() < 9000) bytes += alphabet[random.bounded(int(alphabet.size()))];
+    QList<QByteArray> lines;
+    for (qsizetype from = 0;;) {
+      const qsizetype at = bytes.indexOf(separator, from);
+      lines.append(bytes.mid(from, at < 0 ? -1 : at - from));
+      if (at < 0) break;
+      from = at + separator.size();
+    }
+    FileViewDocument doc;
+    FileViewDocument::Options options;
+    options.pieceBytes = pieceBytes;
+    doc.load(Make(bytes), options);
+    QCOMPARE(doc.lineCount(), qint64(lines.size()));
+    qint64 widest = 0;
+    for (qsizetype n = 0; n < lines.size(); ++n) {
+      QCOMPARE(doc.line(n), QString::fromLatin1(lines[n]));
+      widest = std::max<qint64>(widest, lines[n].size());
+    }
+    QCOMPARE(doc.maxLineWidth(), widest);
   }
 
   void extractedPageAndStatus() {
