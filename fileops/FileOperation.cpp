@@ -14,7 +14,16 @@ using platform::NodeInfo;
 
 namespace {
 
-QString Join(const QString& folder, const QString& name) { return platform::WithSeparator(folder) + name; }
+// One allocation per path: this runs for every item of a walk.
+QString Join(const QString& folder, const QString& name) {
+  const bool slash = folder.endsWith(platform::kSeparator);
+  QString path;
+  path.reserve(folder.size() + !slash + name.size());
+  path += folder;
+  if (!slash) path += platform::kSeparator;
+  path += name;
+  return path;
+}
 
 QString NameOf(const QString& path) {
   QString p = path;
@@ -171,6 +180,14 @@ QString FileOperation::tempName(const QString& targetFolder) const {
   return Join(targetFolder, QStringLiteral(".quorvane-%1-%2.part").arg(pid).arg(++counter));
 }
 
+bool FileOperation::sameFileSystem(const NodeInfo& info, const QString& targetFolder) {
+  if (deviceFolder_.isNull() || deviceFolder_ != targetFolder) {
+    deviceFolder_ = targetFolder;
+    folderDevice_ = FileCopier::DeviceOf(targetFolder);
+  }
+  return folderDevice_ != 0 && info.kind != NodeInfo::kMissing && info.device == folderDevice_;
+}
+
 bool FileOperation::renameInto(const QString& source, const QString& target, bool overwrite, int* error) {
   *error = overwrite ? FileCopier::RenameReplace(source, target) : platform::RenameNoReplace(source, target);
   return *error == 0;
@@ -233,7 +250,7 @@ FileOperation::Step FileOperation::settle(const QString& source, const QString& 
 }
 
 void FileOperation::node(const QString& source, const QString& targetFolder, const QString& givenName,
-                         const NodeInfo& info, bool top) {
+                         const NodeInfo& info, bool top, int targetFd, const QByteArray* native) {
   if (stopNow()) return;
   if (!top && !options_.recurse && info.kind == NodeInfo::kFolder) return;
   QString name = givenName;
@@ -249,7 +266,7 @@ void FileOperation::node(const QString& source, const QString& targetFolder, con
   // which saves a look per file; folders, backups and dry runs look first.
   const bool lookFirst = info.kind == NodeInfo::kFolder || options_.onlyNewer || options_.dryRun;
   if (lookFirst) {
-    const NodeInfo there = FileCopier::Stat(target);
+    const NodeInfo there = targetFd >= 0 && native ? FileCopier::StatAt(targetFd, *native) : FileCopier::Stat(target);
     if (there.kind != NodeInfo::kMissing) {
       if (settle(source, targetFolder, info, there, &name, &target, &overwrite, &merge) != Step::kGo) return;
     }
@@ -261,7 +278,7 @@ void FileOperation::node(const QString& source, const QString& targetFolder, con
 }
 
 bool FileOperation::folder(const QString& source, const QString& target, const NodeInfo& info, bool exists) {
-  if (options_.move && !exists && FileCopier::SameFileSystem(source, ParentOf(target))) {
+  if (options_.move && !exists && sameFileSystem(info, ParentOf(target))) {
     int error = 0;
     if (!options_.dryRun && !renameInto(source, target, false, &error)) {
       fail(source, target, error);
@@ -280,8 +297,8 @@ bool FileOperation::folder(const QString& source, const QString& target, const N
     report(ItemOutcome::kMoved, source, target);
     return true;
   }
-  QStringList names;
-  if (const int error = FileCopier::ListNames(source, &names)) {
+  std::vector<platform::FolderEntry> entries;
+  if (const int error = FileCopier::ListEntries(source, &entries)) {
     fail(source, target, error);
     return false;
   }
@@ -296,11 +313,13 @@ bool FileOperation::folder(const QString& source, const QString& target, const N
     report(ItemOutcome::kCreated, source, target);
   }
   const qint64 failedBefore = result_.failed + result_.skipped;
-  for (const QString& name : names) {
+  // Names in the target are looked up relative to it; a dry run may have no target yet.
+  const int targetFd = options_.dryRun && !exists ? -1 : FileCopier::OpenFolder(target);
+  for (const platform::FolderEntry& e : entries) {
     if (stopNow()) break;
-    const QString child = Join(source, name);
-    node(child, target, name, FileCopier::Stat(child), false);
+    node(Join(source, e.name), target, e.name, e.info, false, targetFd, &e.native);
   }
+  FileCopier::CloseFolder(targetFd);
   if (options_.dryRun) return true;
   if (!exists) {
     if (const int error = FileCopier::CopyFolderMeta(source, target)) fail(source, target, error);
@@ -309,7 +328,6 @@ bool FileOperation::folder(const QString& source, const QString& target, const N
   if (options_.move && !result_.stopped && result_.failed + result_.skipped == failedBefore) {
     if (const int error = FileCopier::RemoveFolder(source)) fail(source, target, error);
   }
-  (void)info;
   return true;
 }
 
@@ -346,7 +364,7 @@ bool FileOperation::leaf(const QString& source, QString* targetPath, const NodeI
     }
     return EEXIST;
   };
-  const bool sameFs = options_.move && FileCopier::SameFileSystem(source, targetFolder);
+  const bool sameFs = options_.move && sameFileSystem(info, targetFolder);
   if (options_.dryRun) {
     finish();
     if (!sameFs) result_.bytes += size;

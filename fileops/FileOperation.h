@@ -58,13 +58,18 @@ class FileOperation {
  private:
   enum class Step { kGo, kSkip, kStop };
   void count(const QString& path);
+  // `targetFd` is the target folder open (or -1) and `native` the name's
+  // bytes, so that the look at the target name needs no path walk.
   void node(const QString& source, const QString& targetFolder, const QString& name, const platform::NodeInfo& info,
-            bool top);
+            bool top, int targetFd = -1, const QByteArray* native = nullptr);
   bool folder(const QString& source, const QString& target, const platform::NodeInfo& info, bool exists);
   bool leaf(const QString& source, QString* target, const platform::NodeInfo& info, bool overwrite);
   // A taken target name: same item, folder merge, backup's newer test or the user's answer.
   Step settle(const QString& source, const QString& targetFolder, const platform::NodeInfo& info,
               const platform::NodeInfo& there, QString* name, QString* target, bool* overwrite, bool* merge);
+  // One file system: the source's device against the target folder's,
+  // asked once per target folder rather than once per item.
+  bool sameFileSystem(const platform::NodeInfo& info, const QString& targetFolder);
   bool renameInto(const QString& source, const QString& target, bool overwrite, int* error);
   ConflictChoice resolve(const QString& source, const QString& target);
   QString tempName(const QString& targetFolder) const;
@@ -83,6 +88,8 @@ class FileOperation {
   ConflictChoice all_ = ConflictChoice::kSkip;
   qint64 fileBytesBase_ = 0;
   qint64 lastTick_ = 0;
+  QString deviceFolder_;
+  quint64 folderDevice_ = 0;
 };
 
 }  // namespace fileops

@@ -202,6 +202,62 @@ int FileCopier::RemoveTree(const QString& path) {
   return RemoveFolder(path);
 }
 
+int FileCopier::ListEntries(const QString& folder, std::vector<FolderEntry>* entries) {
+  const int fd = ::open(ToNative(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) return errno;
+  // getdents64 straight on the descriptor: no directory stream to set up.
+  alignas(struct dirent64) char buffer[32768];
+  const size_t first = entries->size();
+  int error = 0;
+  for (;;) {
+    const ssize_t n = ::getdents64(fd, buffer, sizeof buffer);
+    if (n < 0) {
+      error = errno;
+      break;
+    }
+    if (n == 0) break;
+    for (ssize_t at = 0; at < n;) {
+      const auto* d = reinterpret_cast<const struct dirent64*>(buffer + at);
+      at += d->d_reclen;
+      const char* name = d->d_name;
+      if (name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0))) continue;
+      const qsizetype length = qsizetype(strlen(name));
+      FolderEntry& e = entries->emplace_back();
+      e.native = QByteArray(name, length);
+      e.name = FromNative(name, length);
+    }
+  }
+  if (error == 0) {
+    for (size_t i = first; i < entries->size(); ++i) (*entries)[i].info = StatAt(fd, (*entries)[i].native);
+  }
+  ::close(fd);
+  return error;
+}
+
+int FileCopier::OpenFolder(const QString& folder) {
+  return ::open(ToNative(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+}
+
+void FileCopier::CloseFolder(int fd) {
+  if (fd >= 0) ::close(fd);
+}
+
+NodeInfo FileCopier::StatAt(int fd, const QByteArray& name) {
+  struct stat st {};
+  if (::fstatat(fd, name.constData(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
+    NodeInfo info;
+    if (errno != ENOENT && errno != ENOTDIR) info.error = errno;
+    return info;
+  }
+  return FromStat(st);
+}
+
+quint64 FileCopier::DeviceOf(const QString& folder) {
+  struct stat st {};
+  if (::stat(ToNative(folder).constData(), &st) != 0) return 0;
+  return st.st_dev;
+}
+
 int FileCopier::ListNames(const QString& folder, QStringList* names) {
   DIR* dir = ::opendir(ToNative(folder).constData());
   if (!dir) return errno;
