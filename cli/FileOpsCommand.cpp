@@ -46,13 +46,23 @@ const char* OutcomeWord(ItemOutcome outcome) {
   return "";
 }
 
-void PrintRow(QTextStream& out, const char* word, const QString& a, const QString& b, const QString& detail) {
-  QString line = QString::fromLatin1(word);
+// `line` is the caller's buffer, kept between rows so that a job of many
+// items does not allocate one per row.
+void PrintRow(QTextStream& out, const char* word, const QString& a, const QString& b, const QString& detail,
+              QString* line) {
+  line->truncate(0);
+  *line += QLatin1StringView(word);
   for (const QString* field : {&a, &b, &detail}) {
-    line += u'\t';
-    core::AppendRowField(&line, *field);
+    *line += u'\t';
+    core::AppendRowField(line, *field);
   }
-  out << line << '\n';
+  *line += u'\n';
+  out << *line;
+}
+
+void PrintRow(QTextStream& out, const char* word, const QString& a, const QString& b, const QString& detail) {
+  QString line;
+  PrintRow(out, word, a, b, detail, &line);
 }
 
 // One row per item: outcome, source, target, reason.
@@ -60,11 +70,12 @@ class RowSink : public FileOpSink {
  public:
   explicit RowSink(QTextStream& out) : out_(out) {}
   void item(ItemOutcome outcome, const QString& source, const QString& target, const QString& detail) override {
-    PrintRow(out_, OutcomeWord(outcome), source, target, detail);
+    PrintRow(out_, OutcomeWord(outcome), source, target, detail, &line_);
   }
 
  private:
   QTextStream& out_;
+  QString line_;
 };
 
 bool Policy(const ArgParser& p, ConflictPolicy* policy, QString* error) {
