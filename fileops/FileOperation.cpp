@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <unistd.h>
 
+#include "fileops/SourcePrefetcher.h"
 #include "platform/NativePath.h"
 #include "platform/SafeRename.h"
 
@@ -76,6 +77,8 @@ FileOperation::FileOperation(FileOpSink* sink, std::function<void()> yield, cons
   }
 }
 
+FileOperation::~FileOperation() = default;
+
 QString FileOperation::KeepBothName(const QString& folder, const QString& name) {
   // The extension stays at the end; a leading dot is part of the name.
   qsizetype dot = name.lastIndexOf(u'.');
@@ -115,11 +118,22 @@ FileOpResult FileOperation::run(const QStringList& sources, const QString& targe
     progress_.bytesTotal = progress_.filesTotal = 0;
     for (const QString& source : sources) count(source);
   }
+  std::vector<NodeInfo> infos;
+  infos.reserve(size_t(sources.size()));
+  QStringList folders;
   for (const QString& source : sources) {
-    if (stopNow()) break;
-    const NodeInfo info = FileCopier::Stat(source);
-    node(source, targetFolder, NameOf(source), info, true);
+    infos.push_back(FileCopier::Stat(source));
+    if (infos.back().kind == NodeInfo::kFolder) folders.append(source);
   }
+  // A copy lists every source folder it meets, so a helper thread can read
+  // them ahead; a move renames whole folders where it can, which needs none.
+  if (!options_.move && options_.recurse && !folders.isEmpty())
+    prefetch_ = std::make_unique<SourcePrefetcher>(folders, abort_);
+  for (qsizetype i = 0; i < sources.size(); ++i) {
+    if (stopNow()) break;
+    node(sources[i], targetFolder, NameOf(sources[i]), infos[size_t(i)], true);
+  }
+  prefetch_.reset();
   if (result_.stopped && progress_.filesTotal >= 0) result_.notDone = progress_.filesTotal - progress_.filesDone;
   tick(QString());
   return result_;
@@ -297,9 +311,15 @@ bool FileOperation::folder(const QString& source, const QString& target, const N
     report(ItemOutcome::kMoved, source, target);
     return true;
   }
-  std::vector<platform::FolderEntry> entries;
-  if (const int error = FileCopier::ListEntries(source, &entries)) {
-    fail(source, target, error);
+  SourcePrefetcher::Entries entries;
+  int listError = 0;
+  if (!prefetch_ || !prefetch_->take(source, &entries, &listError)) {
+    auto own = std::make_shared<std::vector<platform::FolderEntry>>();
+    listError = FileCopier::ListEntries(source, own.get());
+    entries = std::move(own);
+  }
+  if (listError) {
+    fail(source, target, listError);
     return false;
   }
   if (!exists) {
@@ -315,7 +335,7 @@ bool FileOperation::folder(const QString& source, const QString& target, const N
   const qint64 failedBefore = result_.failed + result_.skipped;
   // Names in the target are looked up relative to it; a dry run may have no target yet.
   const int targetFd = options_.dryRun && !exists ? -1 : FileCopier::OpenFolder(target);
-  for (const platform::FolderEntry& e : entries) {
+  for (const platform::FolderEntry& e : *entries) {
     if (stopNow()) break;
     node(Join(source, e.name), target, e.name, e.info, false, targetFd, &e.native);
   }

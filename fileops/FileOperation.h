@@ -3,11 +3,14 @@
 #include <QStringList>
 #include <atomic>
 #include <functional>
+#include <memory>
 
 #include "fileops/FileOpSink.h"
 #include "platform/FileCopier.h"
 
 namespace fileops {
+
+class SourcePrefetcher;
 
 struct FileOpOptions {
   bool move = false;
@@ -46,6 +49,7 @@ struct FileOpResult {
 class FileOperation {
  public:
   FileOperation(FileOpSink* sink, std::function<void()> yield, const std::atomic<bool>& abort, FileOpOptions options);
+  ~FileOperation();
 
   FileOpResult run(const QStringList& sources, const QString& targetFolder);
 
@@ -88,6 +92,7 @@ class FileOperation {
   ConflictChoice all_ = ConflictChoice::kSkip;
   qint64 fileBytesBase_ = 0;
   qint64 lastTick_ = 0;
+  std::unique_ptr<SourcePrefetcher> prefetch_;
   QString deviceFolder_;
   quint64 folderDevice_ = 0;
 };
