@@ -91,6 +91,15 @@ bool Policy(const ArgParser& p, ConflictPolicy* policy, QString* error) {
   return true;
 }
 
+// A selection of many sources asks for the working folder once, not per path.
+QStringList Absolute(const QStringList& paths) {
+  const QDir current = QDir::current();
+  QStringList out;
+  out.reserve(paths.size());
+  for (const QString& path : paths) out.append(QDir::cleanPath(current.absoluteFilePath(path)));
+  return out;
+}
+
 QString Absolute(const QString& path) { return QDir::cleanPath(QDir::current().absoluteFilePath(path)); }
 
 int Exit(const FileOpResult& r) { return r.failed || r.stopped ? kExitFailed : kExitOk; }
@@ -109,14 +118,8 @@ int RunTransfer(CliContext& ctx, bool move) {
     ctx.err << "quorvane " << name << ": give one or more sources and a target folder\n";
     return kExitUsage;
   }
-  QStringList sources;
-  for (qsizetype i = 0; i + 1 < p.positional().size(); ++i) sources << Absolute(p.positional()[i]);
-  const QString target = Absolute(p.positional().last());
-  const QString refusal = FileOperation::CheckRequest(sources, target, move);
-  if (!refusal.isEmpty()) {
-    ctx.err << "quorvane " << name << ": " << refusal << '\n';
-    return kExitUsage;
-  }
+  QStringList sources = Absolute(p.positional());
+  const QString target = sources.takeLast();
   FileOpOptions options;
   options.move = move;
   options.dryRun = p.isSet(QStringLiteral("dry-run"));
@@ -124,7 +127,12 @@ int RunTransfer(CliContext& ctx, bool move) {
   InterruptGuard guard;
   RowSink sink(ctx.out);
   FileOperation op(&sink, nullptr, core::JobFlags::AbortFlag(), options);
+  // A request that must not start (folder into itself, missing target) is refused before any row.
   const FileOpResult result = op.run(sources, target);
+  if (!result.refusal.isEmpty()) {
+    ctx.err << "quorvane " << name << ": " << result.refusal << '\n';
+    return kExitUsage;
+  }
   ctx.err << result.status(move) << '\n';
   return Exit(result);
 }
@@ -145,9 +153,8 @@ int RunBackupCommand(CliContext& ctx) {
     ctx.err << "quorvane backup: give one or more sources and a destination folder\n";
     return kExitUsage;
   }
-  QStringList sources;
-  for (qsizetype i = 0; i + 1 < p.positional().size(); ++i) sources << Absolute(p.positional()[i]);
-  const QString destination = Absolute(p.positional().last());
+  QStringList sources = Absolute(p.positional());
+  const QString destination = sources.takeLast();
   const bool recurse = !p.isSet(QStringLiteral("no-recurse"));
   InterruptGuard guard;
   RowSink sink(ctx.out);

@@ -26,22 +26,45 @@ QString Join(const QString& folder, const QString& name) {
   return path;
 }
 
-QString NameOf(const QString& path) {
-  QString p = path;
-  while (p.size() > 1 && p.endsWith(platform::kSeparator)) p.chop(1);
-  return p.mid(p.lastIndexOf(platform::kSeparator) + 1);
+// The last name of a path and the folder it is in, as views into the path
+// (trailing separators left out): no copy for the look-ups done per item.
+QStringView Trimmed(QStringView path) {
+  while (path.size() > 1 && path.endsWith(platform::kSeparator)) path.chop(1);
+  return path;
 }
 
-QString ParentOf(const QString& path) {
-  QString p = path;
-  while (p.size() > 1 && p.endsWith(platform::kSeparator)) p.chop(1);
-  const qsizetype cut = p.lastIndexOf(platform::kSeparator);
-  if (cut < 0) return QStringLiteral(".");
-  return cut == 0 ? QStringLiteral("/") : p.left(cut);
+QStringView NameView(QStringView path) {
+  path = Trimmed(path);
+  return path.mid(path.lastIndexOf(platform::kSeparator) + 1);
+}
+
+QStringView ParentView(QStringView path) {
+  path = Trimmed(path);
+  const qsizetype cut = path.lastIndexOf(platform::kSeparator);
+  if (cut < 0) return u".";
+  return cut == 0 ? QStringView(u"/") : path.left(cut);
+}
+
+QString NameOf(const QString& path) { return NameView(path).toString(); }
+QString ParentOf(const QString& path) { return ParentView(path).toString(); }
+
+// A name that the *at calls take as it is: not "/", "." or "..", and no
+// trailing separator (which would follow a link).
+bool PlainName(const QString& path, QStringView name) {
+  return !path.endsWith(platform::kSeparator) && !name.isEmpty() && name != u"." && name != u"..";
 }
 
 bool Inside(const QString& path, const QString& folder) {
   return path == folder || path.startsWith(platform::WithSeparator(folder));
+}
+
+// The descriptor of `folder`, reusing the one held when it is the same folder.
+int HeldFolder(QString* held, int* fd, QStringView folder) {
+  if (*fd >= 0 && *held == folder) return *fd;
+  FileCopier::CloseFolder(*fd);
+  *held = folder.toString();
+  *fd = FileCopier::OpenFolder(*held);
+  return *fd;
 }
 
 qint64 Now() {
@@ -77,7 +100,10 @@ FileOperation::FileOperation(FileOpSink* sink, std::function<void()> yield, cons
   }
 }
 
-FileOperation::~FileOperation() = default;
+FileOperation::~FileOperation() {
+  FileCopier::CloseFolder(fromFd_);
+  FileCopier::CloseFolder(toFd_);
+}
 
 QString FileOperation::KeepBothName(const QString& folder, const QString& name) {
   // The extension stays at the end; a leading dot is part of the name.
@@ -91,40 +117,50 @@ QString FileOperation::KeepBothName(const QString& folder, const QString& name) 
   }
 }
 
-QString FileOperation::CheckRequest(const QStringList& sources, const QString& targetFolder, bool move) {
+QString FileOperation::CheckRequest(const QStringList& sources, const QString& targetFolder, bool move,
+                                   std::vector<NodeInfo>* infos) {
   const QString target = FileCopier::RealPath(targetFolder);
   if (target.isEmpty() || FileCopier::Stat(target).kind != NodeInfo::kFolder)
     return QStringLiteral("The target folder does not exist: %1").arg(platform::DisplayText(targetFolder));
+  if (infos) infos->reserve(size_t(sources.size()));
+  // A selection comes from one folder: its names are looked up relative to it.
+  QString held;
+  int heldFd = -1;
   for (const QString& source : sources) {
-    const NodeInfo info = FileCopier::Stat(source);
-    if (info.kind == NodeInfo::kMissing)
+    const QStringView name = NameView(source);
+    const int parentFd = PlainName(source, name) ? HeldFolder(&held, &heldFd, ParentView(source)) : -1;
+    const NodeInfo info = parentFd >= 0 ? FileCopier::StatAt(parentFd, platform::ToNative(name)) : FileCopier::Stat(source);
+    if (infos) infos->push_back(info);
+    if (info.kind == NodeInfo::kMissing) {
+      FileCopier::CloseFolder(heldFd);
       return QStringLiteral("The source does not exist: %1").arg(platform::DisplayText(source));
+    }
     if (info.kind != NodeInfo::kFolder) continue;
     // The source itself is not resolved: a link to a folder is copied as a link.
     const QString real = FileCopier::RealPath(source);
-    if (Inside(target, real))
+    if (Inside(target, real)) {
+      FileCopier::CloseFolder(heldFd);
       return QStringLiteral("Cannot %1 a folder into itself: %2")
           .arg(move ? "move" : "copy", platform::DisplayText(source));
+    }
   }
+  FileCopier::CloseFolder(heldFd);
   return QString();
 }
 
 FileOpResult FileOperation::run(const QStringList& sources, const QString& targetFolder) {
   result_ = FileOpResult();
   progress_ = OpProgress();
-  result_.refusal = CheckRequest(sources, targetFolder, options_.move);
+  std::vector<NodeInfo> infos;
+  result_.refusal = CheckRequest(sources, targetFolder, options_.move, &infos);
   if (!result_.refusal.isEmpty()) return result_;
   if (options_.countFirst) {
     progress_.bytesTotal = progress_.filesTotal = 0;
     for (const QString& source : sources) count(source);
   }
-  std::vector<NodeInfo> infos;
-  infos.reserve(size_t(sources.size()));
   QStringList folders;
-  for (const QString& source : sources) {
-    infos.push_back(FileCopier::Stat(source));
-    if (infos.back().kind == NodeInfo::kFolder) folders.append(source);
-  }
+  for (qsizetype i = 0; i < sources.size(); ++i)
+    if (infos[size_t(i)].kind == NodeInfo::kFolder) folders.append(sources[i]);
   // A copy lists every source folder it meets, so a helper thread can read
   // them ahead; a move renames whole folders where it can, which needs none.
   if (!options_.move && options_.recurse && !folders.isEmpty())
@@ -134,6 +170,9 @@ FileOpResult FileOperation::run(const QStringList& sources, const QString& targe
     node(sources[i], targetFolder, NameOf(sources[i]), infos[size_t(i)], true);
   }
   prefetch_.reset();
+  FileCopier::CloseFolder(fromFd_);
+  FileCopier::CloseFolder(toFd_);
+  fromFd_ = toFd_ = -1;
   if (result_.stopped && progress_.filesTotal >= 0) result_.notDone = progress_.filesTotal - progress_.filesDone;
   tick(QString());
   return result_;
@@ -194,16 +233,31 @@ QString FileOperation::tempName(const QString& targetFolder) const {
   return Join(targetFolder, QStringLiteral(".quorvane-%1-%2.part").arg(pid).arg(++counter));
 }
 
-bool FileOperation::sameFileSystem(const NodeInfo& info, const QString& targetFolder) {
+bool FileOperation::sameFileSystem(const NodeInfo& info, QStringView targetFolder) {
   if (deviceFolder_.isNull() || deviceFolder_ != targetFolder) {
-    deviceFolder_ = targetFolder;
-    folderDevice_ = FileCopier::DeviceOf(targetFolder);
+    deviceFolder_ = targetFolder.toString();
+    folderDevice_ = FileCopier::DeviceOf(deviceFolder_);
   }
   return folderDevice_ != 0 && info.kind != NodeInfo::kMissing && info.device == folderDevice_;
 }
 
 bool FileOperation::renameInto(const QString& source, const QString& target, bool overwrite, int* error) {
-  *error = overwrite ? FileCopier::RenameReplace(source, target) : platform::RenameNoReplace(source, target);
+  if (overwrite) {
+    *error = FileCopier::RenameReplace(source, target);
+    return *error == 0;
+  }
+  // Relative to the two folders held open; a change of case only, and names
+  // that are not plain, take the path route that knows about them.
+  const QStringView fromName = NameView(source), toName = NameView(target);
+  if (PlainName(source, fromName) && PlainName(target, toName) && source.compare(target, Qt::CaseInsensitive) != 0) {
+    const int fromFd = HeldFolder(&fromFolder_, &fromFd_, ParentView(source));
+    const int toFd = fromFd >= 0 ? HeldFolder(&toFolder_, &toFd_, ParentView(target)) : -1;
+    if (toFd >= 0) {
+      *error = platform::RenameNoReplaceAt(fromFd, platform::ToNative(fromName), toFd, platform::ToNative(toName));
+      return *error == 0;
+    }
+  }
+  *error = platform::RenameNoReplace(source, target);
   return *error == 0;
 }
 
@@ -292,7 +346,7 @@ void FileOperation::node(const QString& source, const QString& targetFolder, con
 }
 
 bool FileOperation::folder(const QString& source, const QString& target, const NodeInfo& info, bool exists) {
-  if (options_.move && !exists && sameFileSystem(info, ParentOf(target))) {
+  if (options_.move && !exists && sameFileSystem(info, ParentView(target))) {
     int error = 0;
     if (!options_.dryRun && !renameInto(source, target, false, &error)) {
       fail(source, target, error);
@@ -367,8 +421,13 @@ bool FileOperation::leaf(const QString& source, QString* targetPath, const NodeI
                                           : QStringLiteral("A socket is not copied."));
     return false;
   }
-  const QString targetFolder = ParentOf(target);
-  QString name = NameOf(target);
+  // Made when needed (a taken name, a copy's temporary name), not for each rename.
+  QString targetFolder, name;
+  auto names = [&] {
+    if (!targetFolder.isNull()) return;
+    targetFolder = ParentOf(target);
+    name = NameOf(target);
+  };
   // Puts `from` under the target name without replacing anything the user
   // did not choose to replace; a taken name is settled then. 0 placed, -1
   // skipped or stopped (already reported), else an errno value.
@@ -380,11 +439,12 @@ bool FileOperation::leaf(const QString& source, QString* targetPath, const NodeI
       const NodeInfo there = FileCopier::Stat(target);
       if (there.kind == NodeInfo::kMissing) continue;
       bool merge = false;
+      names();
       if (settle(source, targetFolder, info, there, &name, &target, &overwrite, &merge) != Step::kGo) return -1;
     }
     return EEXIST;
   };
-  const bool sameFs = options_.move && sameFileSystem(info, targetFolder);
+  const bool sameFs = options_.move && sameFileSystem(info, ParentView(target));
   if (options_.dryRun) {
     finish();
     if (!sameFs) result_.bytes += size;
@@ -408,6 +468,7 @@ bool FileOperation::leaf(const QString& source, QString* targetPath, const NodeI
     return true;
   }
 
+  names();
   const QString temp = tempName(targetFolder);
   int error = 0;
   if (info.kind == NodeInfo::kFile) {

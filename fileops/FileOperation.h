@@ -4,6 +4,7 @@
 #include <atomic>
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "fileops/FileOpSink.h"
 #include "platform/FileCopier.h"
@@ -57,7 +58,9 @@ class FileOperation {
   static QString KeepBothName(const QString& folder, const QString& name);
   // The message for a request that must not start (folder into itself,
   // missing target), or empty when it may.
-  static QString CheckRequest(const QStringList& sources, const QString& targetFolder, bool move);
+  // `infos`, when given, receives what each source is (the job needs it next).
+  static QString CheckRequest(const QStringList& sources, const QString& targetFolder, bool move,
+                              std::vector<platform::NodeInfo>* infos = nullptr);
 
  private:
   enum class Step { kGo, kSkip, kStop };
@@ -73,7 +76,7 @@ class FileOperation {
               const platform::NodeInfo& there, QString* name, QString* target, bool* overwrite, bool* merge);
   // One file system: the source's device against the target folder's,
   // asked once per target folder rather than once per item.
-  bool sameFileSystem(const platform::NodeInfo& info, const QString& targetFolder);
+  bool sameFileSystem(const platform::NodeInfo& info, QStringView targetFolder);
   bool renameInto(const QString& source, const QString& target, bool overwrite, int* error);
   ConflictChoice resolve(const QString& source, const QString& target);
   QString tempName(const QString& targetFolder) const;
@@ -93,6 +96,10 @@ class FileOperation {
   qint64 fileBytesBase_ = 0;
   qint64 lastTick_ = 0;
   std::unique_ptr<SourcePrefetcher> prefetch_;
+  // The folders of the last rename, held open for the next one: a selection
+  // moved from one folder to another renames each name without a path walk.
+  QString fromFolder_, toFolder_;
+  int fromFd_ = -1, toFd_ = -1;
   QString deviceFolder_;
   quint64 folderDevice_ = 0;
 };

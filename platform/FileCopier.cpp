@@ -235,7 +235,8 @@ int FileCopier::ListEntries(const QString& folder, std::vector<FolderEntry>* ent
 }
 
 int FileCopier::OpenFolder(const QString& folder) {
-  return ::open(ToNative(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  // O_PATH: names in it can be looked up and renamed without read permission on it.
+  return ::open(ToNative(folder).constData(), O_PATH | O_DIRECTORY | O_CLOEXEC);
 }
 
 void FileCopier::CloseFolder(int fd) {

@@ -63,7 +63,8 @@ class FileCopier {
   // Reads a folder once and stats each name relative to it (no path walk per
   // name). A name that vanished between the two comes back as kMissing.
   static int ListEntries(const QString& folder, std::vector<FolderEntry>* entries);
-  // A folder's descriptor for StatAt, or -1 (then callers stat full paths).
+  // A folder's descriptor for StatAt and the *At renames, or -1 (then
+  // callers use full paths).
   static int OpenFolder(const QString& folder);
   static void CloseFolder(int fd);
   // What `name` names in the open folder `fd`, as Stat sees it.
