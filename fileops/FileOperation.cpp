@@ -161,13 +161,14 @@ FileOpResult FileOperation::run(const QStringList& sources, const QString& targe
   QStringList folders;
   for (qsizetype i = 0; i < sources.size(); ++i)
     if (infos[size_t(i)].kind == NodeInfo::kFolder) folders.append(sources[i]);
-  // A copy lists every source folder it meets, so a helper thread can read
-  // them ahead; a move renames whole folders where it can, which needs none.
-  if (!options_.move && options_.recurse && !folders.isEmpty())
+  // A backup lists every source folder it meets and copies little, so a
+  // helper thread reading the sources ahead halves its walk; a plain copy
+  // spends its time on the data, and a move renames whole folders.
+  if (options_.onlyNewer && options_.recurse && !folders.isEmpty())
     prefetch_ = std::make_unique<SourcePrefetcher>(folders, abort_);
   for (qsizetype i = 0; i < sources.size(); ++i) {
     if (stopNow()) break;
-    node(sources[i], targetFolder, NameOf(sources[i]), infos[size_t(i)], true);
+    node(sources[i], targetFolder, NameOf(sources[i]), infos[size_t(i)], true, Folders());
   }
   prefetch_.reset();
   FileCopier::CloseFolder(fromFd_);
@@ -226,11 +227,14 @@ ConflictChoice FileOperation::resolve(const QString& source, const QString& targ
   return answer.choice;
 }
 
-QString FileOperation::tempName(const QString& targetFolder) const {
+QString FileOperation::TempLeafName() {
   // Short and fixed in length, so that it fits wherever a 255-byte name does.
   static std::atomic<quint64> counter{0};
-  static const qint64 pid = ::getpid();
-  return Join(targetFolder, QStringLiteral(".quorvane-%1-%2.part").arg(pid).arg(++counter));
+  static const QString prefix = QStringLiteral(".quorvane-%1-").arg(::getpid());
+  QString name = prefix;
+  name += QString::number(++counter);
+  name += QLatin1StringView(".part");
+  return name;
 }
 
 bool FileOperation::sameFileSystem(const NodeInfo& info, QStringView targetFolder) {
@@ -318,7 +322,7 @@ FileOperation::Step FileOperation::settle(const QString& source, const QString& 
 }
 
 void FileOperation::node(const QString& source, const QString& targetFolder, const QString& givenName,
-                         const NodeInfo& info, bool top, int targetFd, const QByteArray* native) {
+                         const NodeInfo& info, bool top, const Folders& at) {
   if (stopNow()) return;
   if (!top && !options_.recurse && info.kind == NodeInfo::kFolder) return;
   QString name = givenName;
@@ -334,14 +338,14 @@ void FileOperation::node(const QString& source, const QString& targetFolder, con
   // which saves a look per file; folders, backups and dry runs look first.
   const bool lookFirst = info.kind == NodeInfo::kFolder || options_.onlyNewer || options_.dryRun;
   if (lookFirst) {
-    const NodeInfo there = targetFd >= 0 && native ? FileCopier::StatAt(targetFd, *native) : FileCopier::Stat(target);
+    const NodeInfo there = at.target >= 0 && at.native ? FileCopier::StatAt(at.target, *at.native) : FileCopier::Stat(target);
     if (there.kind != NodeInfo::kMissing) {
       if (settle(source, targetFolder, info, there, &name, &target, &overwrite, &merge) != Step::kGo) return;
     }
   }
   bool done;
   if (info.kind == NodeInfo::kFolder) done = folder(source, target, info, merge);
-  else done = leaf(source, &target, info, overwrite);
+  else done = leaf(source, &target, info, overwrite, at);
   if (top && done) result_.topTargets.append(target);
 }
 
@@ -388,12 +392,16 @@ bool FileOperation::folder(const QString& source, const QString& target, const N
   }
   const qint64 failedBefore = result_.failed + result_.skipped;
   // Names in the target are looked up relative to it; a dry run may have no target yet.
-  const int targetFd = options_.dryRun && !exists ? -1 : FileCopier::OpenFolder(target);
+  Folders at;
+  at.target = options_.dryRun && !exists ? -1 : FileCopier::OpenFolder(target);
+  at.source = options_.dryRun ? -1 : FileCopier::OpenFolder(source);
   for (const platform::FolderEntry& e : *entries) {
     if (stopNow()) break;
-    node(Join(source, e.name), target, e.name, e.info, false, targetFd, &e.native);
+    at.native = &e.native;
+    node(Join(source, e.name), target, e.name, e.info, false, at);
   }
-  FileCopier::CloseFolder(targetFd);
+  FileCopier::CloseFolder(at.target);
+  FileCopier::CloseFolder(at.source);
   if (options_.dryRun) return true;
   if (!exists) {
     if (const int error = FileCopier::CopyFolderMeta(source, target)) fail(source, target, error);
@@ -405,7 +413,8 @@ bool FileOperation::folder(const QString& source, const QString& target, const N
   return true;
 }
 
-bool FileOperation::leaf(const QString& source, QString* targetPath, const NodeInfo& info, bool overwrite) {
+bool FileOperation::leaf(const QString& source, QString* targetPath, const NodeInfo& info, bool overwrite,
+                         const Folders& at) {
   QString& target = *targetPath;
   tick(source);
   const qint64 size = info.kind == NodeInfo::kFile ? info.size : 0;
@@ -469,15 +478,21 @@ bool FileOperation::leaf(const QString& source, QString* targetPath, const NodeI
   }
 
   names();
-  const QString temp = tempName(targetFolder);
+  const QString tempLeaf = TempLeafName();
+  const QString temp = Join(targetFolder, tempLeaf);
   int error = 0;
   if (info.kind == NodeInfo::kFile) {
     const qint64 base = fileBytesBase_;
-    error = FileCopier::CopyFile(source, temp, options_.blockSize, [&](qint64 done) {
+    const FileCopier::BlockHook hook = [&](qint64 done) {
       progress_.bytesDone = base + done;
       tick(source);
       return !stopNow();
-    });
+    };
+    // Within a folder walk both folders are open: no path walk per file.
+    error = at.source >= 0 && at.target >= 0 && at.native
+                ? FileCopier::CopyFileAt(at.source, *at.native, at.target, platform::ToNative(tempLeaf),
+                                         options_.blockSize, hook)
+                : FileCopier::CopyFile(source, temp, options_.blockSize, hook);
   } else if (info.kind == NodeInfo::kLink) {
     error = FileCopier::CopyLink(source, temp);
   } else {

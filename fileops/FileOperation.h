@@ -65,12 +65,18 @@ class FileOperation {
  private:
   enum class Step { kGo, kSkip, kStop };
   void count(const QString& path);
-  // `targetFd` is the target folder open (or -1) and `native` the name's
-  // bytes, so that the look at the target name needs no path walk.
+  // The folders an item is in, held open by the walk (or -1), and its name's
+  // bytes: looks and copies need no path walk then.
+  struct Folders {
+    int source = -1;
+    int target = -1;
+    const QByteArray* native = nullptr;
+  };
   void node(const QString& source, const QString& targetFolder, const QString& name, const platform::NodeInfo& info,
-            bool top, int targetFd = -1, const QByteArray* native = nullptr);
+            bool top, const Folders& at);
   bool folder(const QString& source, const QString& target, const platform::NodeInfo& info, bool exists);
-  bool leaf(const QString& source, QString* target, const platform::NodeInfo& info, bool overwrite);
+  bool leaf(const QString& source, QString* target, const platform::NodeInfo& info, bool overwrite,
+            const Folders& at);
   // A taken target name: same item, folder merge, backup's newer test or the user's answer.
   Step settle(const QString& source, const QString& targetFolder, const platform::NodeInfo& info,
               const platform::NodeInfo& there, QString* name, QString* target, bool* overwrite, bool* merge);
@@ -79,7 +85,7 @@ class FileOperation {
   bool sameFileSystem(const platform::NodeInfo& info, QStringView targetFolder);
   bool renameInto(const QString& source, const QString& target, bool overwrite, int* error);
   ConflictChoice resolve(const QString& source, const QString& target);
-  QString tempName(const QString& targetFolder) const;
+  static QString TempLeafName();
   void report(ItemOutcome outcome, const QString& source, const QString& target, const QString& detail = QString());
   void fail(const QString& source, const QString& target, int error);
   bool stopNow();

@@ -73,20 +73,25 @@ NodeInfo FileCopier::Stat(const QString& path) {
 }
 
 int FileCopier::CopyFile(const QString& source, const QString& target, qint64 blockSize, const BlockHook& hook) {
+  return CopyFileAt(AT_FDCWD, ToNative(source), AT_FDCWD, ToNative(target), blockSize, hook);
+}
+
+int FileCopier::CopyFileAt(int sourceFolder, const QByteArray& source, int targetFolder, const QByteArray& target,
+                           qint64 blockSize, const BlockHook& hook) {
   // O_NONBLOCK: a file that turned into a FIFO since it was listed must not hang us.
-  const int in = ::open(ToNative(source).constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+  const int in = ::openat(sourceFolder, source.constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
   if (in < 0) return errno;
   struct stat before {};
   if (::fstat(in, &before) != 0) return CloseKeeping(in, errno);
   if (!S_ISREG(before.st_mode)) return CloseKeeping(in, EINVAL);
-  const QByteArray nativeTarget = ToNative(target);
-  const int out = ::open(nativeTarget.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
+  const int out =
+      ::openat(targetFolder, target.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
   if (out < 0) return CloseKeeping(in, errno);
 
   auto fail = [&](int error) {
     ::close(in);
     ::close(out);
-    ::unlink(nativeTarget.constData());
+    ::unlinkat(targetFolder, target.constData(), 0);
     return error;
   };
   if (before.st_size > (1 << 20)) posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
@@ -128,7 +133,7 @@ int FileCopier::CopyFile(const QString& source, const QString& target, qint64 bl
   ::close(in);
   if (::close(out) != 0) {
     const int error = errno;
-    ::unlink(nativeTarget.constData());
+    ::unlinkat(targetFolder, target.constData(), 0);
     return error;
   }
   return 0;

@@ -42,6 +42,9 @@ class FileCopier {
   // removed. ECANCELED when the hook stopped it; ESTALE when the source
   // changed (size or time) while it was read.
   static int CopyFile(const QString& source, const QString& target, qint64 blockSize, const BlockHook& hook);
+  // The same for names in open folders (AT_FDCWD: paths), with no path walk.
+  static int CopyFileAt(int sourceFolder, const QByteArray& source, int targetFolder, const QByteArray& target,
+                        qint64 blockSize, const BlockHook& hook);
   // Recreates a symbolic link (its text, never its target) and its times.
   static int CopyLink(const QString& source, const QString& target);
   // Recreates a FIFO with the source's permissions; never opens it.
