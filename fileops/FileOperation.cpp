@@ -252,8 +252,12 @@ bool FileOperation::renameInto(const QString& source, const QString& target, boo
   }
   // Relative to the two folders held open; a change of case only, and names
   // that are not plain, take the path route that knows about them.
+  // Names first: they settle it in one look for a copy's temporary name, and
+  // folders differ early for a move; the case-blind look at whole paths is slow.
   const QStringView fromName = NameView(source), toName = NameView(target);
-  if (PlainName(source, fromName) && PlainName(target, toName) && source.compare(target, Qt::CaseInsensitive) != 0) {
+  const bool caseOnly = fromName.compare(toName, Qt::CaseInsensitive) == 0 &&
+                        ParentView(source).compare(ParentView(target), Qt::CaseInsensitive) == 0;
+  if (!caseOnly && PlainName(source, fromName) && PlainName(target, toName)) {
     const int fromFd = HeldFolder(&fromFolder_, &fromFd_, ParentView(source));
     const int toFd = fromFd >= 0 ? HeldFolder(&toFolder_, &toFd_, ParentView(target)) : -1;
     if (toFd >= 0) {
