@@ -2,6 +2,8 @@
 
 #include <QElapsedTimer>
 #include <cerrno>
+#include <cstdio>
+#include <system_error>
 #include <unistd.h>
 
 #include "fileops/SourcePrefetcher.h"
@@ -164,8 +166,13 @@ FileOpResult FileOperation::run(const QStringList& sources, const QString& targe
   // A backup lists every source folder it meets and copies little, so a
   // helper thread reading the sources ahead halves its walk; a plain copy
   // spends its time on the data, and a move renames whole folders.
-  if (options_.onlyNewer && options_.recurse && !folders.isEmpty())
-    prefetch_ = std::make_unique<SourcePrefetcher>(folders, abort_);
+  if (options_.onlyNewer && options_.recurse && !folders.isEmpty()) {
+    try {
+      prefetch_ = std::make_unique<SourcePrefetcher>(folders, abort_);
+    } catch (const std::system_error&) {
+      // No thread to be had: the job reads for itself.
+    }
+  }
   for (qsizetype i = 0; i < sources.size(); ++i) {
     if (stopNow()) break;
     node(sources[i], targetFolder, NameOf(sources[i]), infos[size_t(i)], true, Folders());
@@ -230,11 +237,10 @@ ConflictChoice FileOperation::resolve(const QString& source, const QString& targ
 QString FileOperation::TempLeafName() {
   // Short and fixed in length, so that it fits wherever a 255-byte name does.
   static std::atomic<quint64> counter{0};
-  static const QString prefix = QStringLiteral(".quorvane-%1-").arg(::getpid());
-  QString name = prefix;
-  name += QString::number(++counter);
-  name += QLatin1StringView(".part");
-  return name;
+  static const long long pid = ::getpid();
+  char name[64];
+  const int n = std::snprintf(name, sizeof name, ".quorvane-%lld-%llu.part", pid, (unsigned long long)++counter);
+  return QString::fromLatin1(name, n);
 }
 
 bool FileOperation::sameFileSystem(const NodeInfo& info, QStringView targetFolder) {
