@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
 # `quorvane copy|move|backup` beside `cp -a`, `mv` and `rsync -a --dry-run`
 # doing the same work on the same tree, in one hyperfine run each. Prints
-# the wall-clock ratios (quorvane / tool; below 1.0 is faster).
+# the wall-clock ratios (quorvane / tool; below 1.0 is faster) and the CPU
+# time (user + system) of each side.
 #
 #   bench/fileops_bench.sh                          (300,000 files)
 #   FILES=30000 WORK=/dev/shm/qv-fileops RUNS=5 bench/fileops_bench.sh
+#   FLAT_FILES=10000: the size of the flat folder whose entries are moved
 set -euo pipefail
 here=$(cd "$(dirname "$0")" && pwd)
 root=$(cd "$here/.." && pwd)
@@ -28,7 +30,9 @@ ratio() {  # json, quorvane name, tool name
 import json, sys
 r = {x["command"]: x for x in json.load(open(sys.argv[1]))["results"]}
 q, t = r[sys.argv[2]]["mean"], r[sys.argv[3]]["mean"]
-print(f"{sys.argv[2]:>16} / {sys.argv[3]:<16} {q:8.3f} s / {t:8.3f} s = {q / t:5.2f}")
+cq, ct = (r[n]["user"] + r[n]["system"] for n in sys.argv[2:4])
+print(f"{sys.argv[2]:>17} / {sys.argv[3]:<16} {q:8.3f} s / {t:8.3f} s = {q / t:5.2f}"
+      f"   (CPU {cq:.3f} s / {ct:.3f} s)")
 PY
 }
 
@@ -38,7 +42,18 @@ hyperfine -r "$runs" --export-json "$json" --prepare "rm -rf $out; mkdir -p $out
   -n cp-a "cp -a $corpus $out/" >/dev/null
 ratio "$json" quorvane-copy cp-a
 
-# A move within one file system: hard-linked copies make each run's source cheaply.
+# Moves within one file system, from hard-linked copies made afresh for each
+# run. What users move is a selection: the entries of a flat folder, named
+# one by one (the shell expands the same list for both), into another folder.
+# Beside it the move of one folder tree, a single rename on both sides, which
+# measures little but the start of each program.
+flat=$work/flat
+[[ -d $flat ]] || python3 "$here/make_corpus.py" --files "${FLAT_FILES:-10000}" --depth 0 --seed 1602 "$flat" >/dev/null
+hyperfine -r "$runs" --export-json "$json" --prepare "rm -rf $work/m $out; mkdir -p $work/m $out; cp -al $flat $work/m/flat" \
+  -n quorvane-move-sel "$quorvane move $work/m/flat/* $out" \
+  -n mv-sel "mv $work/m/flat/* $out/" >/dev/null
+ratio "$json" quorvane-move-sel mv-sel
+
 hyperfine -r "$runs" --export-json "$json" --prepare "rm -rf $work/m $out; mkdir -p $work/m $out; cp -al $corpus $work/m/tree" \
   -n quorvane-move "$quorvane move $work/m/tree $out" \
   -n mv "mv $work/m/tree $out/" >/dev/null

@@ -46,13 +46,23 @@ const char* OutcomeWord(ItemOutcome outcome) {
   return "";
 }
 
-void PrintRow(QTextStream& out, const char* word, const QString& a, const QString& b, const QString& detail) {
-  QString line = QString::fromLatin1(word);
+// `line` is the caller's buffer, kept between rows so that a job of many
+// items does not allocate one per row.
+void PrintRow(QTextStream& out, const char* word, const QString& a, const QString& b, const QString& detail,
+              QString* line) {
+  line->truncate(0);
+  *line += QLatin1StringView(word);
   for (const QString* field : {&a, &b, &detail}) {
-    line += u'\t';
-    core::AppendRowField(&line, *field);
+    *line += u'\t';
+    core::AppendRowField(line, *field);
   }
-  out << line << '\n';
+  *line += u'\n';
+  out << *line;
+}
+
+void PrintRow(QTextStream& out, const char* word, const QString& a, const QString& b, const QString& detail) {
+  QString line;
+  PrintRow(out, word, a, b, detail, &line);
 }
 
 // One row per item: outcome, source, target, reason.
@@ -60,11 +70,12 @@ class RowSink : public FileOpSink {
  public:
   explicit RowSink(QTextStream& out) : out_(out) {}
   void item(ItemOutcome outcome, const QString& source, const QString& target, const QString& detail) override {
-    PrintRow(out_, OutcomeWord(outcome), source, target, detail);
+    PrintRow(out_, OutcomeWord(outcome), source, target, detail, &line_);
   }
 
  private:
   QTextStream& out_;
+  QString line_;
 };
 
 bool Policy(const ArgParser& p, ConflictPolicy* policy, QString* error) {
@@ -78,6 +89,15 @@ bool Policy(const ArgParser& p, ConflictPolicy* policy, QString* error) {
     return false;
   }
   return true;
+}
+
+// A selection of many sources asks for the working folder once, not per path.
+QStringList Absolute(const QStringList& paths) {
+  const QDir current = QDir::current();
+  QStringList out;
+  out.reserve(paths.size());
+  for (const QString& path : paths) out.append(QDir::cleanPath(current.absoluteFilePath(path)));
+  return out;
 }
 
 QString Absolute(const QString& path) { return QDir::cleanPath(QDir::current().absoluteFilePath(path)); }
@@ -98,14 +118,8 @@ int RunTransfer(CliContext& ctx, bool move) {
     ctx.err << "quorvane " << name << ": give one or more sources and a target folder\n";
     return kExitUsage;
   }
-  QStringList sources;
-  for (qsizetype i = 0; i + 1 < p.positional().size(); ++i) sources << Absolute(p.positional()[i]);
-  const QString target = Absolute(p.positional().last());
-  const QString refusal = FileOperation::CheckRequest(sources, target, move);
-  if (!refusal.isEmpty()) {
-    ctx.err << "quorvane " << name << ": " << refusal << '\n';
-    return kExitUsage;
-  }
+  QStringList sources = Absolute(p.positional());
+  const QString target = sources.takeLast();
   FileOpOptions options;
   options.move = move;
   options.dryRun = p.isSet(QStringLiteral("dry-run"));
@@ -113,7 +127,12 @@ int RunTransfer(CliContext& ctx, bool move) {
   InterruptGuard guard;
   RowSink sink(ctx.out);
   FileOperation op(&sink, nullptr, core::JobFlags::AbortFlag(), options);
+  // A request that must not start (folder into itself, missing target) is refused before any row.
   const FileOpResult result = op.run(sources, target);
+  if (!result.refusal.isEmpty()) {
+    ctx.err << "quorvane " << name << ": " << result.refusal << '\n';
+    return kExitUsage;
+  }
   ctx.err << result.status(move) << '\n';
   return Exit(result);
 }
@@ -134,9 +153,8 @@ int RunBackupCommand(CliContext& ctx) {
     ctx.err << "quorvane backup: give one or more sources and a destination folder\n";
     return kExitUsage;
   }
-  QStringList sources;
-  for (qsizetype i = 0; i + 1 < p.positional().size(); ++i) sources << Absolute(p.positional()[i]);
-  const QString destination = Absolute(p.positional().last());
+  QStringList sources = Absolute(p.positional());
+  const QString destination = sources.takeLast();
   const bool recurse = !p.isSet(QStringLiteral("no-recurse"));
   InterruptGuard guard;
   RowSink sink(ctx.out);

@@ -1,7 +1,9 @@
 #include "fileops/BackupJob.h"
 
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
+#include <QStringEncoder>
 
 #include "core/RowEscape.h"
 #include "platform/NativePath.h"
@@ -11,15 +13,23 @@ namespace fileops {
 
 namespace {
 
-// Writes one log line per item as it happens, so that a log of a job that
-// dies still tells what was done; passes everything on to the caller's sink.
+// Collects the log's lines and writes them in blocks of 64 KB, and as soon as
+// a second has passed when the job reports progress, so that the log of a
+// slow job stays current while a walk over many unchanged files costs one
+// write per block rather than one per file. Passes everything on to the
+// caller's sink.
 class LogSink : public FileOpSink {
  public:
-  LogSink(FileOpSink* next, QFile* log) : next_(next), log_(log) {}
+  LogSink(FileOpSink* next, QFile* log) : next_(next), log_(log), encoder_(QStringConverter::Utf8) {
+    flushed_.start();
+  }
+  ~LogSink() override { flush(); }
   void progress(const OpProgress& p) override {
     if (next_) next_->progress(p);
+    if (!buffer_.isEmpty() && flushed_.elapsed() >= 1000) flush();
   }
   ConflictAnswer askConflict(const QString& source, const QString& target) override {
+    flush();  // the user may take a while to answer
     return next_ ? next_->askConflict(source, target) : ConflictAnswer();
   }
   void item(ItemOutcome outcome, const QString& source, const QString& target, const QString& detail) override {
@@ -31,20 +41,37 @@ class LogSink : public FileOpSink {
       case ItemOutcome::kFailed: word = "Failed"; break;
       default: return;  // folders made are not files copied
     }
-    QString line = QString::fromLatin1(word);
-    line += u'\t';
-    core::AppendRowField(&line, source);
+    if (!log_) return;
+    // One line buffer for the whole job: no allocation per line once it has grown.
+    line_.truncate(0);
+    line_ += QLatin1StringView(word);
+    line_ += u'\t';
+    core::AppendRowField(&line_, source);
     if (!detail.isEmpty()) {
-      line += u'\t';
-      core::AppendRowField(&line, detail);
+      line_ += u'\t';
+      core::AppendRowField(&line_, detail);
     }
-    line += u'\n';
-    if (log_) log_->write(line.toUtf8());
+    line_ += u'\n';
+    const qsizetype used = buffer_.size();
+    buffer_.resize(used + encoder_.requiredSpace(line_.size()));
+    char* end = encoder_.appendToBuffer(buffer_.data() + used, line_);
+    buffer_.truncate(end - buffer_.constData());
+    if (buffer_.size() >= kBlock) flush();
+  }
+  void flush() {
+    if (log_ && !buffer_.isEmpty()) log_->write(buffer_);
+    buffer_.truncate(0);
+    flushed_.restart();
   }
 
  private:
+  static constexpr qsizetype kBlock = 64 * 1024;
   FileOpSink* next_;
   QFile* log_;
+  QStringEncoder encoder_;
+  QString line_;
+  QByteArray buffer_;
+  QElapsedTimer flushed_;
 };
 
 }  // namespace
@@ -78,7 +105,7 @@ BackupJob::Result BackupJob::run(const QStringList& sources, const QString& dest
   if (platform::FileCopier::Stat(path).kind != platform::NodeInfo::kMissing)
     path = platform::WithSeparator(folder) + FileOperation::KeepBothName(folder, LogName(started));
   QFile log(path);
-  if (log.open(QIODevice::WriteOnly | QIODevice::NewOnly)) {
+  if (log.open(QIODevice::WriteOnly | QIODevice::NewOnly | QIODevice::Unbuffered)) {
     result.logPath = path;
     QString head = QStringLiteral("Backup to\t");
     core::AppendRowField(&head, destination);
@@ -95,6 +122,7 @@ BackupJob::Result BackupJob::run(const QStringList& sources, const QString& dest
   options.recurse = recurse;
   FileOperation op(&logSink, yield_, abort_, options);
   result.ops = op.run(sources, destination);
+  logSink.flush();
   if (log.isOpen()) {
     QString tail = result.ops.status(false) + u'\n';
     if (result.ops.stopped) tail += QString::fromLatin1(kTerminated) + u'\n';

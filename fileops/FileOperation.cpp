@@ -2,8 +2,11 @@
 
 #include <QElapsedTimer>
 #include <cerrno>
+#include <cstdio>
+#include <system_error>
 #include <unistd.h>
 
+#include "fileops/SourcePrefetcher.h"
 #include "platform/NativePath.h"
 #include "platform/SafeRename.h"
 
@@ -14,24 +17,56 @@ using platform::NodeInfo;
 
 namespace {
 
-QString Join(const QString& folder, const QString& name) { return platform::WithSeparator(folder) + name; }
-
-QString NameOf(const QString& path) {
-  QString p = path;
-  while (p.size() > 1 && p.endsWith(platform::kSeparator)) p.chop(1);
-  return p.mid(p.lastIndexOf(platform::kSeparator) + 1);
+// One allocation per path: this runs for every item of a walk.
+QString Join(const QString& folder, const QString& name) {
+  const bool slash = folder.endsWith(platform::kSeparator);
+  QString path;
+  path.reserve(folder.size() + !slash + name.size());
+  path += folder;
+  if (!slash) path += platform::kSeparator;
+  path += name;
+  return path;
 }
 
-QString ParentOf(const QString& path) {
-  QString p = path;
-  while (p.size() > 1 && p.endsWith(platform::kSeparator)) p.chop(1);
-  const qsizetype cut = p.lastIndexOf(platform::kSeparator);
-  if (cut < 0) return QStringLiteral(".");
-  return cut == 0 ? QStringLiteral("/") : p.left(cut);
+// The last name of a path and the folder it is in, as views into the path
+// (trailing separators left out): no copy for the look-ups done per item.
+QStringView Trimmed(QStringView path) {
+  while (path.size() > 1 && path.endsWith(platform::kSeparator)) path.chop(1);
+  return path;
+}
+
+QStringView NameView(QStringView path) {
+  path = Trimmed(path);
+  return path.mid(path.lastIndexOf(platform::kSeparator) + 1);
+}
+
+QStringView ParentView(QStringView path) {
+  path = Trimmed(path);
+  const qsizetype cut = path.lastIndexOf(platform::kSeparator);
+  if (cut < 0) return u".";
+  return cut == 0 ? QStringView(u"/") : path.left(cut);
+}
+
+QString NameOf(const QString& path) { return NameView(path).toString(); }
+QString ParentOf(const QString& path) { return ParentView(path).toString(); }
+
+// A name that the *at calls take as it is: not "/", "." or "..", and no
+// trailing separator (which would follow a link).
+bool PlainName(const QString& path, QStringView name) {
+  return !path.endsWith(platform::kSeparator) && !name.isEmpty() && name != u"." && name != u"..";
 }
 
 bool Inside(const QString& path, const QString& folder) {
   return path == folder || path.startsWith(platform::WithSeparator(folder));
+}
+
+// The descriptor of `folder`, reusing the one held when it is the same folder.
+int HeldFolder(QString* held, int* fd, QStringView folder) {
+  if (*fd >= 0 && *held == folder) return *fd;
+  FileCopier::CloseFolder(*fd);
+  *held = folder.toString();
+  *fd = FileCopier::OpenFolder(*held);
+  return *fd;
 }
 
 qint64 Now() {
@@ -67,6 +102,11 @@ FileOperation::FileOperation(FileOpSink* sink, std::function<void()> yield, cons
   }
 }
 
+FileOperation::~FileOperation() {
+  FileCopier::CloseFolder(fromFd_);
+  FileCopier::CloseFolder(toFd_);
+}
+
 QString FileOperation::KeepBothName(const QString& folder, const QString& name) {
   // The extension stays at the end; a leading dot is part of the name.
   qsizetype dot = name.lastIndexOf(u'.');
@@ -79,38 +119,68 @@ QString FileOperation::KeepBothName(const QString& folder, const QString& name) 
   }
 }
 
-QString FileOperation::CheckRequest(const QStringList& sources, const QString& targetFolder, bool move) {
+QString FileOperation::CheckRequest(const QStringList& sources, const QString& targetFolder, bool move,
+                                   std::vector<NodeInfo>* infos) {
   const QString target = FileCopier::RealPath(targetFolder);
   if (target.isEmpty() || FileCopier::Stat(target).kind != NodeInfo::kFolder)
     return QStringLiteral("The target folder does not exist: %1").arg(platform::DisplayText(targetFolder));
+  if (infos) infos->reserve(size_t(sources.size()));
+  // A selection comes from one folder: its names are looked up relative to it.
+  QString held;
+  int heldFd = -1;
   for (const QString& source : sources) {
-    const NodeInfo info = FileCopier::Stat(source);
-    if (info.kind == NodeInfo::kMissing)
+    const QStringView name = NameView(source);
+    const int parentFd = PlainName(source, name) ? HeldFolder(&held, &heldFd, ParentView(source)) : -1;
+    const NodeInfo info = parentFd >= 0 ? FileCopier::StatAt(parentFd, platform::ToNative(name)) : FileCopier::Stat(source);
+    if (infos) infos->push_back(info);
+    if (info.kind == NodeInfo::kMissing) {
+      FileCopier::CloseFolder(heldFd);
       return QStringLiteral("The source does not exist: %1").arg(platform::DisplayText(source));
+    }
     if (info.kind != NodeInfo::kFolder) continue;
     // The source itself is not resolved: a link to a folder is copied as a link.
     const QString real = FileCopier::RealPath(source);
-    if (Inside(target, real))
+    if (Inside(target, real)) {
+      FileCopier::CloseFolder(heldFd);
       return QStringLiteral("Cannot %1 a folder into itself: %2")
           .arg(move ? "move" : "copy", platform::DisplayText(source));
+    }
   }
+  FileCopier::CloseFolder(heldFd);
   return QString();
 }
 
 FileOpResult FileOperation::run(const QStringList& sources, const QString& targetFolder) {
   result_ = FileOpResult();
   progress_ = OpProgress();
-  result_.refusal = CheckRequest(sources, targetFolder, options_.move);
+  std::vector<NodeInfo> infos;
+  result_.refusal = CheckRequest(sources, targetFolder, options_.move, &infos);
   if (!result_.refusal.isEmpty()) return result_;
   if (options_.countFirst) {
     progress_.bytesTotal = progress_.filesTotal = 0;
     for (const QString& source : sources) count(source);
   }
-  for (const QString& source : sources) {
-    if (stopNow()) break;
-    const NodeInfo info = FileCopier::Stat(source);
-    node(source, targetFolder, NameOf(source), info, true);
+  QStringList folders;
+  for (qsizetype i = 0; i < sources.size(); ++i)
+    if (infos[size_t(i)].kind == NodeInfo::kFolder) folders.append(sources[i]);
+  // A backup lists every source folder it meets and copies little, so a
+  // helper thread reading the sources ahead halves its walk; a plain copy
+  // spends its time on the data, and a move renames whole folders.
+  if (options_.onlyNewer && options_.recurse && !folders.isEmpty()) {
+    try {
+      prefetch_ = std::make_unique<SourcePrefetcher>(folders, abort_);
+    } catch (const std::system_error&) {
+      // No thread to be had: the job reads for itself.
+    }
   }
+  for (qsizetype i = 0; i < sources.size(); ++i) {
+    if (stopNow()) break;
+    node(sources[i], targetFolder, NameOf(sources[i]), infos[size_t(i)], true, Folders());
+  }
+  prefetch_.reset();
+  FileCopier::CloseFolder(fromFd_);
+  FileCopier::CloseFolder(toFd_);
+  fromFd_ = toFd_ = -1;
   if (result_.stopped && progress_.filesTotal >= 0) result_.notDone = progress_.filesTotal - progress_.filesDone;
   tick(QString());
   return result_;
@@ -164,15 +234,44 @@ ConflictChoice FileOperation::resolve(const QString& source, const QString& targ
   return answer.choice;
 }
 
-QString FileOperation::tempName(const QString& targetFolder) const {
+QString FileOperation::TempLeafName() {
   // Short and fixed in length, so that it fits wherever a 255-byte name does.
   static std::atomic<quint64> counter{0};
-  static const qint64 pid = ::getpid();
-  return Join(targetFolder, QStringLiteral(".quorvane-%1-%2.part").arg(pid).arg(++counter));
+  static const long long pid = ::getpid();
+  char name[64];
+  const int n = std::snprintf(name, sizeof name, ".quorvane-%lld-%llu.part", pid, (unsigned long long)++counter);
+  return QString::fromLatin1(name, n);
+}
+
+bool FileOperation::sameFileSystem(const NodeInfo& info, QStringView targetFolder) {
+  if (deviceFolder_.isNull() || deviceFolder_ != targetFolder) {
+    deviceFolder_ = targetFolder.toString();
+    folderDevice_ = FileCopier::DeviceOf(deviceFolder_);
+  }
+  return folderDevice_ != 0 && info.kind != NodeInfo::kMissing && info.device == folderDevice_;
 }
 
 bool FileOperation::renameInto(const QString& source, const QString& target, bool overwrite, int* error) {
-  *error = overwrite ? FileCopier::RenameReplace(source, target) : platform::RenameNoReplace(source, target);
+  if (overwrite) {
+    *error = FileCopier::RenameReplace(source, target);
+    return *error == 0;
+  }
+  // Relative to the two folders held open; a change of case only, and names
+  // that are not plain, take the path route that knows about them.
+  // Names first: they settle it in one look for a copy's temporary name, and
+  // folders differ early for a move; the case-blind look at whole paths is slow.
+  const QStringView fromName = NameView(source), toName = NameView(target);
+  const bool caseOnly = fromName.compare(toName, Qt::CaseInsensitive) == 0 &&
+                        ParentView(source).compare(ParentView(target), Qt::CaseInsensitive) == 0;
+  if (!caseOnly && PlainName(source, fromName) && PlainName(target, toName)) {
+    const int fromFd = HeldFolder(&fromFolder_, &fromFd_, ParentView(source));
+    const int toFd = fromFd >= 0 ? HeldFolder(&toFolder_, &toFd_, ParentView(target)) : -1;
+    if (toFd >= 0) {
+      *error = platform::RenameNoReplaceAt(fromFd, platform::ToNative(fromName), toFd, platform::ToNative(toName));
+      return *error == 0;
+    }
+  }
+  *error = platform::RenameNoReplace(source, target);
   return *error == 0;
 }
 
@@ -233,7 +332,7 @@ FileOperation::Step FileOperation::settle(const QString& source, const QString& 
 }
 
 void FileOperation::node(const QString& source, const QString& targetFolder, const QString& givenName,
-                         const NodeInfo& info, bool top) {
+                         const NodeInfo& info, bool top, const Folders& at) {
   if (stopNow()) return;
   if (!top && !options_.recurse && info.kind == NodeInfo::kFolder) return;
   QString name = givenName;
@@ -249,19 +348,19 @@ void FileOperation::node(const QString& source, const QString& targetFolder, con
   // which saves a look per file; folders, backups and dry runs look first.
   const bool lookFirst = info.kind == NodeInfo::kFolder || options_.onlyNewer || options_.dryRun;
   if (lookFirst) {
-    const NodeInfo there = FileCopier::Stat(target);
+    const NodeInfo there = at.target >= 0 && at.native ? FileCopier::StatAt(at.target, *at.native) : FileCopier::Stat(target);
     if (there.kind != NodeInfo::kMissing) {
       if (settle(source, targetFolder, info, there, &name, &target, &overwrite, &merge) != Step::kGo) return;
     }
   }
   bool done;
   if (info.kind == NodeInfo::kFolder) done = folder(source, target, info, merge);
-  else done = leaf(source, &target, info, overwrite);
+  else done = leaf(source, &target, info, overwrite, at);
   if (top && done) result_.topTargets.append(target);
 }
 
 bool FileOperation::folder(const QString& source, const QString& target, const NodeInfo& info, bool exists) {
-  if (options_.move && !exists && FileCopier::SameFileSystem(source, ParentOf(target))) {
+  if (options_.move && !exists && sameFileSystem(info, ParentView(target))) {
     int error = 0;
     if (!options_.dryRun && !renameInto(source, target, false, &error)) {
       fail(source, target, error);
@@ -280,9 +379,15 @@ bool FileOperation::folder(const QString& source, const QString& target, const N
     report(ItemOutcome::kMoved, source, target);
     return true;
   }
-  QStringList names;
-  if (const int error = FileCopier::ListNames(source, &names)) {
-    fail(source, target, error);
+  SourcePrefetcher::Entries entries;
+  int listError = 0;
+  if (!prefetch_ || !prefetch_->take(source, &entries, &listError)) {
+    auto own = std::make_shared<std::vector<platform::FolderEntry>>();
+    listError = FileCopier::ListEntries(source, own.get());
+    entries = std::move(own);
+  }
+  if (listError) {
+    fail(source, target, listError);
     return false;
   }
   if (!exists) {
@@ -296,11 +401,17 @@ bool FileOperation::folder(const QString& source, const QString& target, const N
     report(ItemOutcome::kCreated, source, target);
   }
   const qint64 failedBefore = result_.failed + result_.skipped;
-  for (const QString& name : names) {
+  // Names in the target are looked up relative to it; a dry run may have no target yet.
+  Folders at;
+  at.target = options_.dryRun && !exists ? -1 : FileCopier::OpenFolder(target);
+  at.source = options_.dryRun ? -1 : FileCopier::OpenFolder(source);
+  for (const platform::FolderEntry& e : *entries) {
     if (stopNow()) break;
-    const QString child = Join(source, name);
-    node(child, target, name, FileCopier::Stat(child), false);
+    at.native = &e.native;
+    node(Join(source, e.name), target, e.name, e.info, false, at);
   }
+  FileCopier::CloseFolder(at.target);
+  FileCopier::CloseFolder(at.source);
   if (options_.dryRun) return true;
   if (!exists) {
     if (const int error = FileCopier::CopyFolderMeta(source, target)) fail(source, target, error);
@@ -309,11 +420,11 @@ bool FileOperation::folder(const QString& source, const QString& target, const N
   if (options_.move && !result_.stopped && result_.failed + result_.skipped == failedBefore) {
     if (const int error = FileCopier::RemoveFolder(source)) fail(source, target, error);
   }
-  (void)info;
   return true;
 }
 
-bool FileOperation::leaf(const QString& source, QString* targetPath, const NodeInfo& info, bool overwrite) {
+bool FileOperation::leaf(const QString& source, QString* targetPath, const NodeInfo& info, bool overwrite,
+                         const Folders& at) {
   QString& target = *targetPath;
   tick(source);
   const qint64 size = info.kind == NodeInfo::kFile ? info.size : 0;
@@ -329,8 +440,13 @@ bool FileOperation::leaf(const QString& source, QString* targetPath, const NodeI
                                           : QStringLiteral("A socket is not copied."));
     return false;
   }
-  const QString targetFolder = ParentOf(target);
-  QString name = NameOf(target);
+  // Made when needed (a taken name, a copy's temporary name), not for each rename.
+  QString targetFolder, name;
+  auto names = [&] {
+    if (!targetFolder.isNull()) return;
+    targetFolder = ParentOf(target);
+    name = NameOf(target);
+  };
   // Puts `from` under the target name without replacing anything the user
   // did not choose to replace; a taken name is settled then. 0 placed, -1
   // skipped or stopped (already reported), else an errno value.
@@ -342,11 +458,12 @@ bool FileOperation::leaf(const QString& source, QString* targetPath, const NodeI
       const NodeInfo there = FileCopier::Stat(target);
       if (there.kind == NodeInfo::kMissing) continue;
       bool merge = false;
+      names();
       if (settle(source, targetFolder, info, there, &name, &target, &overwrite, &merge) != Step::kGo) return -1;
     }
     return EEXIST;
   };
-  const bool sameFs = options_.move && FileCopier::SameFileSystem(source, targetFolder);
+  const bool sameFs = options_.move && sameFileSystem(info, ParentView(target));
   if (options_.dryRun) {
     finish();
     if (!sameFs) result_.bytes += size;
@@ -370,15 +487,22 @@ bool FileOperation::leaf(const QString& source, QString* targetPath, const NodeI
     return true;
   }
 
-  const QString temp = tempName(targetFolder);
+  names();
+  const QString tempLeaf = TempLeafName();
+  const QString temp = Join(targetFolder, tempLeaf);
   int error = 0;
   if (info.kind == NodeInfo::kFile) {
     const qint64 base = fileBytesBase_;
-    error = FileCopier::CopyFile(source, temp, options_.blockSize, [&](qint64 done) {
+    const FileCopier::BlockHook hook = [&](qint64 done) {
       progress_.bytesDone = base + done;
       tick(source);
       return !stopNow();
-    });
+    };
+    // Within a folder walk both folders are open: no path walk per file.
+    error = at.source >= 0 && at.target >= 0 && at.native
+                ? FileCopier::CopyFileAt(at.source, *at.native, at.target, platform::ToNative(tempLeaf),
+                                         options_.blockSize, hook)
+                : FileCopier::CopyFile(source, temp, options_.blockSize, hook);
   } else if (info.kind == NodeInfo::kLink) {
     error = FileCopier::CopyLink(source, temp);
   } else {

@@ -3,11 +3,15 @@
 #include <QStringList>
 #include <atomic>
 #include <functional>
+#include <memory>
+#include <vector>
 
 #include "fileops/FileOpSink.h"
 #include "platform/FileCopier.h"
 
 namespace fileops {
+
+class SourcePrefetcher;
 
 struct FileOpOptions {
   bool move = false;
@@ -46,6 +50,7 @@ struct FileOpResult {
 class FileOperation {
  public:
   FileOperation(FileOpSink* sink, std::function<void()> yield, const std::atomic<bool>& abort, FileOpOptions options);
+  ~FileOperation();
 
   FileOpResult run(const QStringList& sources, const QString& targetFolder);
 
@@ -53,21 +58,34 @@ class FileOperation {
   static QString KeepBothName(const QString& folder, const QString& name);
   // The message for a request that must not start (folder into itself,
   // missing target), or empty when it may.
-  static QString CheckRequest(const QStringList& sources, const QString& targetFolder, bool move);
+  // `infos`, when given, receives what each source is (the job needs it next).
+  static QString CheckRequest(const QStringList& sources, const QString& targetFolder, bool move,
+                              std::vector<platform::NodeInfo>* infos = nullptr);
 
  private:
   enum class Step { kGo, kSkip, kStop };
   void count(const QString& path);
+  // The folders an item is in, held open by the walk (or -1), and its name's
+  // bytes: looks and copies need no path walk then.
+  struct Folders {
+    int source = -1;
+    int target = -1;
+    const QByteArray* native = nullptr;
+  };
   void node(const QString& source, const QString& targetFolder, const QString& name, const platform::NodeInfo& info,
-            bool top);
+            bool top, const Folders& at);
   bool folder(const QString& source, const QString& target, const platform::NodeInfo& info, bool exists);
-  bool leaf(const QString& source, QString* target, const platform::NodeInfo& info, bool overwrite);
+  bool leaf(const QString& source, QString* target, const platform::NodeInfo& info, bool overwrite,
+            const Folders& at);
   // A taken target name: same item, folder merge, backup's newer test or the user's answer.
   Step settle(const QString& source, const QString& targetFolder, const platform::NodeInfo& info,
               const platform::NodeInfo& there, QString* name, QString* target, bool* overwrite, bool* merge);
+  // One file system: the source's device against the target folder's,
+  // asked once per target folder rather than once per item.
+  bool sameFileSystem(const platform::NodeInfo& info, QStringView targetFolder);
   bool renameInto(const QString& source, const QString& target, bool overwrite, int* error);
   ConflictChoice resolve(const QString& source, const QString& target);
-  QString tempName(const QString& targetFolder) const;
+  static QString TempLeafName();
   void report(ItemOutcome outcome, const QString& source, const QString& target, const QString& detail = QString());
   void fail(const QString& source, const QString& target, int error);
   bool stopNow();
@@ -83,6 +101,13 @@ class FileOperation {
   ConflictChoice all_ = ConflictChoice::kSkip;
   qint64 fileBytesBase_ = 0;
   qint64 lastTick_ = 0;
+  std::unique_ptr<SourcePrefetcher> prefetch_;
+  // The folders of the last rename, held open for the next one: a selection
+  // moved from one folder to another renames each name without a path walk.
+  QString fromFolder_, toFolder_;
+  int fromFd_ = -1, toFd_ = -1;
+  QString deviceFolder_;
+  quint64 folderDevice_ = 0;
 };
 
 }  // namespace fileops

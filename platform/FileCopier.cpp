@@ -73,20 +73,25 @@ NodeInfo FileCopier::Stat(const QString& path) {
 }
 
 int FileCopier::CopyFile(const QString& source, const QString& target, qint64 blockSize, const BlockHook& hook) {
+  return CopyFileAt(AT_FDCWD, ToNative(source), AT_FDCWD, ToNative(target), blockSize, hook);
+}
+
+int FileCopier::CopyFileAt(int sourceFolder, const QByteArray& source, int targetFolder, const QByteArray& target,
+                           qint64 blockSize, const BlockHook& hook) {
   // O_NONBLOCK: a file that turned into a FIFO since it was listed must not hang us.
-  const int in = ::open(ToNative(source).constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
+  const int in = ::openat(sourceFolder, source.constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
   if (in < 0) return errno;
   struct stat before {};
   if (::fstat(in, &before) != 0) return CloseKeeping(in, errno);
   if (!S_ISREG(before.st_mode)) return CloseKeeping(in, EINVAL);
-  const QByteArray nativeTarget = ToNative(target);
-  const int out = ::open(nativeTarget.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
+  const int out =
+      ::openat(targetFolder, target.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
   if (out < 0) return CloseKeeping(in, errno);
 
   auto fail = [&](int error) {
     ::close(in);
     ::close(out);
-    ::unlink(nativeTarget.constData());
+    ::unlinkat(targetFolder, target.constData(), 0);
     return error;
   };
   if (before.st_size > (1 << 20)) posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
@@ -128,7 +133,7 @@ int FileCopier::CopyFile(const QString& source, const QString& target, qint64 bl
   ::close(in);
   if (::close(out) != 0) {
     const int error = errno;
-    ::unlink(nativeTarget.constData());
+    ::unlinkat(targetFolder, target.constData(), 0);
     return error;
   }
   return 0;
@@ -200,6 +205,63 @@ int FileCopier::RemoveTree(const QString& path) {
   for (const QString& name : names)
     if (const int error = RemoveTree(prefix + name)) return error;
   return RemoveFolder(path);
+}
+
+int FileCopier::ListEntries(const QString& folder, std::vector<FolderEntry>* entries) {
+  const int fd = ::open(ToNative(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) return errno;
+  // getdents64 straight on the descriptor: no directory stream to set up.
+  alignas(struct dirent64) char buffer[32768];
+  const size_t first = entries->size();
+  int error = 0;
+  for (;;) {
+    const ssize_t n = ::getdents64(fd, buffer, sizeof buffer);
+    if (n < 0) {
+      error = errno;
+      break;
+    }
+    if (n == 0) break;
+    for (ssize_t at = 0; at < n;) {
+      const auto* d = reinterpret_cast<const struct dirent64*>(buffer + at);
+      at += d->d_reclen;
+      const char* name = d->d_name;
+      if (name[0] == '.' && (name[1] == 0 || (name[1] == '.' && name[2] == 0))) continue;
+      const qsizetype length = qsizetype(strlen(name));
+      FolderEntry& e = entries->emplace_back();
+      e.native = QByteArray(name, length);
+      e.name = FromNative(name, length);
+    }
+  }
+  if (error == 0) {
+    for (size_t i = first; i < entries->size(); ++i) (*entries)[i].info = StatAt(fd, (*entries)[i].native);
+  }
+  ::close(fd);
+  return error;
+}
+
+int FileCopier::OpenFolder(const QString& folder) {
+  // O_PATH: names in it can be looked up and renamed without read permission on it.
+  return ::open(ToNative(folder).constData(), O_PATH | O_DIRECTORY | O_CLOEXEC);
+}
+
+void FileCopier::CloseFolder(int fd) {
+  if (fd >= 0) ::close(fd);
+}
+
+NodeInfo FileCopier::StatAt(int fd, const QByteArray& name) {
+  struct stat st {};
+  if (::fstatat(fd, name.constData(), &st, AT_SYMLINK_NOFOLLOW) != 0) {
+    NodeInfo info;
+    if (errno != ENOENT && errno != ENOTDIR) info.error = errno;
+    return info;
+  }
+  return FromStat(st);
+}
+
+quint64 FileCopier::DeviceOf(const QString& folder) {
+  struct stat st {};
+  if (::stat(ToNative(folder).constData(), &st) != 0) return 0;
+  return st.st_dev;
 }
 
 int FileCopier::ListNames(const QString& folder, QStringList* names) {

@@ -3,6 +3,7 @@
 #include <QStringList>
 #include <QtGlobal>
 #include <functional>
+#include <vector>
 
 namespace platform {
 
@@ -16,6 +17,13 @@ struct NodeInfo {
   qint64 mtimeNs = 0;  // nanoseconds since 1970
   quint32 mode = 0;    // permission bits
   int error = 0;       // errno when kind is kMissing for a reason other than ENOENT
+};
+
+// One name of a folder with its lstat data; `native` is the name's bytes.
+struct FolderEntry {
+  QString name;
+  QByteArray native;
+  NodeInfo info;
 };
 
 // The operating-system side of copying: data, links, FIFOs, folders, times
@@ -34,6 +42,9 @@ class FileCopier {
   // removed. ECANCELED when the hook stopped it; ESTALE when the source
   // changed (size or time) while it was read.
   static int CopyFile(const QString& source, const QString& target, qint64 blockSize, const BlockHook& hook);
+  // The same for names in open folders (AT_FDCWD: paths), with no path walk.
+  static int CopyFileAt(int sourceFolder, const QByteArray& source, int targetFolder, const QByteArray& target,
+                        qint64 blockSize, const BlockHook& hook);
   // Recreates a symbolic link (its text, never its target) and its times.
   static int CopyLink(const QString& source, const QString& target);
   // Recreates a FIFO with the source's permissions; never opens it.
@@ -52,6 +63,17 @@ class FileCopier {
 
   // The names in a folder, "." and ".." left out, in directory order.
   static int ListNames(const QString& folder, QStringList* names);
+  // Reads a folder once and stats each name relative to it (no path walk per
+  // name). A name that vanished between the two comes back as kMissing.
+  static int ListEntries(const QString& folder, std::vector<FolderEntry>* entries);
+  // A folder's descriptor for StatAt and the *At renames, or -1 (then
+  // callers use full paths).
+  static int OpenFolder(const QString& folder);
+  static void CloseFolder(int fd);
+  // What `name` names in the open folder `fd`, as Stat sees it.
+  static NodeInfo StatAt(int fd, const QByteArray& name);
+  // The device of the folder a path names (links followed), 0 when unknown.
+  static quint64 DeviceOf(const QString& folder);
   // True when both paths lie on one file system.
   static bool SameFileSystem(const QString& a, const QString& b);
   // The path with every link and "." or ".." resolved; empty when it cannot be.

@@ -18,35 +18,39 @@ namespace platform {
 
 namespace {
 
-int Renameat2(const QByteArray& from, const QByteArray& to) {
-  if (syscall(SYS_renameat2, AT_FDCWD, from.constData(), AT_FDCWD, to.constData(), RENAME_NOREPLACE) == 0) return 0;
+int Renameat2(int fromDir, const char* from, int toDir, const char* to) {
+  if (syscall(SYS_renameat2, fromDir, from, toDir, to, RENAME_NOREPLACE) == 0) return 0;
   return errno;
 }
 
 // For file systems that refuse the no-replace flag: link() fails on an
 // existing target, so a file can never be clobbered. Folders cannot be hard
 // linked; they get a checked rename, the best such a file system allows.
-int LinkThenUnlink(const QByteArray& from, const QByteArray& to) {
+int LinkThenUnlink(int fromDir, const char* from, int toDir, const char* to) {
   struct stat st {};
-  if (lstat(from.constData(), &st) != 0) return errno;
+  if (fstatat(fromDir, from, &st, AT_SYMLINK_NOFOLLOW) != 0) return errno;
   if (!S_ISDIR(st.st_mode)) {
-    if (link(from.constData(), to.constData()) != 0) return errno;
-    if (unlink(from.constData()) != 0) {
+    if (linkat(fromDir, from, toDir, to, 0) != 0) return errno;
+    if (unlinkat(fromDir, from, 0) != 0) {
       const int error = errno;
-      unlink(to.constData());
+      unlinkat(toDir, to, 0);
       return error;
     }
     return 0;
   }
-  if (lstat(to.constData(), &st) == 0) return EEXIST;
-  if (::rename(from.constData(), to.constData()) != 0) return errno;
+  if (fstatat(toDir, to, &st, AT_SYMLINK_NOFOLLOW) == 0) return EEXIST;
+  if (::renameat(fromDir, from, toDir, to) != 0) return errno;
   return 0;
 }
 
-int RenameNative(const QByteArray& from, const QByteArray& to) {
-  const int error = Renameat2(from, to);
-  if (error == EINVAL || error == ENOSYS || error == ENOTSUP) return LinkThenUnlink(from, to);
+int RenameNative(int fromDir, const char* from, int toDir, const char* to) {
+  const int error = Renameat2(fromDir, from, toDir, to);
+  if (error == EINVAL || error == ENOSYS || error == ENOTSUP) return LinkThenUnlink(fromDir, from, toDir, to);
   return error;
+}
+
+int RenameNative(const QByteArray& from, const QByteArray& to) {
+  return RenameNative(AT_FDCWD, from.constData(), AT_FDCWD, to.constData());
 }
 
 }  // namespace
@@ -76,6 +80,10 @@ int RenameNoReplace(const QString& from, const QString& to) {
     return second;
   }
   return EEXIST;
+}
+
+int RenameNoReplaceAt(int fromDir, const QByteArray& fromName, int toDir, const QByteArray& toName) {
+  return RenameNative(fromDir, fromName.constData(), toDir, toName.constData());
 }
 
 QString ErrorText(int error) {

@@ -209,6 +209,14 @@ class FormatsTest : public QObject {
     QTest::newRow("control and delete") << QString(QChar(1)) + QChar(0x7F) << "\\x01\\x7F";
     QTest::newRow("raw byte") << QString(QChar(0xDCFF)) + "x" << "\\xFFx";
     QTest::newRow("valid pair kept") << QString::fromUtf8("\xF0\x9F\x98\x80") << QString::fromUtf8("\xF0\x9F\x98\x80");
+    // Long fields are scanned in blocks of units: escapes inside, at the end of and after a block,
+    // and the values just beside the escaped ranges left plain.
+    const QString edges = QString("abcdefgh ~") + QChar(0x80) + QChar(0xDC7F) + QChar(0xDD00) + QChar(0xFF) + "xyz/p.txt";
+    QTest::newRow("long plain, edge values") << edges << edges;
+    QTest::newRow("long, escape in second block") << "/home/user/docs/a\x1F" "b" << "/home/user/docs/a\\x1Fb";
+    QTest::newRow("long, control at block end") << QString("0123456") + QChar(0x1F) + "89abcdef" << "0123456\\x1F89abcdef";
+    QTest::newRow("long, raw byte at last place") << QString("0123456789abcde") + QChar(0xDC80) << "0123456789abcde\\x80";
+    QTest::newRow("long, delete in the tail") << QString("0123456789abcdefgh") + QChar(0x7F) << "0123456789abcdefgh\\x7F";
   }
   void rowField() {
     QFETCH(QString, text);
