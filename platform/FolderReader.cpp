@@ -193,7 +193,25 @@ bool FolderReader::isWalkableFolder(qsizetype i) const {
 
 bool FolderReader::isRegularFile(qsizetype i) const { return types_[size_t(i)] == DT_REG; }
 
+void FolderReader::statAhead(const std::vector<bool>& wanted) {
+  if (fd_ < 0) return;
+  std::vector<Ahead> ahead(names_.size());
+  bool any = false;
+  for (size_t i = 0; i < names_.size() && i < wanted.size(); ++i) {
+    if (!wanted[i]) continue;
+    any = true;
+    ahead[i].state = stat(qsizetype(i), &ahead[i].entry) ? 1 : -1;
+  }
+  if (any) ahead_ = std::move(ahead);
+  else screenedEmpty_ = true;
+}
+
 bool FolderReader::stat(qsizetype i, DirEntry* out) const {
+  if (!ahead_.empty() && ahead_[size_t(i)].state != 0) {
+    if (ahead_[size_t(i)].state < 0) return false;
+    *out = ahead_[size_t(i)].entry;
+    return true;
+  }
   const QString& n = names_[size_t(i)];
   if (!StatAt(fd_, n, ToNative(n), vfat_, out)) return false;
   out->alias = alias(i);

@@ -24,7 +24,7 @@ void ListPrinter::AppendRow(const ListModel& model, RowId id, const std::vector<
                             QString* cell) {
   for (size_t i = 0; i < data.size(); ++i) {
     if (i) buffer->append(u'\t');
-    cell->clear();
+    cell->resize(0);  // keeps its capacity: no allocation per cell
     model.appendDataText(cell, id, data[i], true);
     core::AppendRowField(buffer, *cell);
   }
