@@ -1,6 +1,7 @@
 #include "core/DateStyles.h"
 
 #include <ctime>
+#include <limits>
 #include <map>
 
 #include "core/FormatLocale.h"
@@ -77,9 +78,36 @@ QString TimeStylePattern(int index) {
   return index >= 0 && index < 4 ? State().time[index] : State().time[0];
 }
 
+static bool ConvertToLocal(qint64 seconds, LocalTime* out);
+
 bool FileTimeToLocal(qint64 fileTime, LocalTime* out) {
   qint64 seconds, nanos;
   platform::FileTimeToUnix(fileTime, &seconds, &nanos);
+  // Listed files cluster in time: the last minute converted on this thread
+  // serves every time within it (the zone's rules are not asked again).
+  thread_local qint64 cachedMinute = std::numeric_limits<qint64>::min();
+  thread_local LocalTime cached;
+  const qint64 minute = seconds >= 0 ? seconds / 60 : (seconds - 59) / 60;
+  const int into = int(seconds - minute * 60);
+  if (minute == cachedMinute && cached.second + into < 60) {
+    *out = cached;
+    out->second += into;
+    out->millisecond = int(nanos / 1'000'000);
+    return true;
+  }
+  if (ConvertToLocal(minute * 60, out)) {
+    cachedMinute = minute;
+    cached = *out;
+    out->second += into;
+    if (out->second < 60) {
+      out->millisecond = int(nanos / 1'000'000);
+      return true;
+    }
+  }
+  return ConvertToLocal(seconds, out) && (out->millisecond = int(nanos / 1'000'000), true);
+}
+
+bool ConvertToLocal(qint64 seconds, LocalTime* out) {
   const time_t t = time_t(seconds);
   struct tm tm {};
   if (!localtime_r(&t, &tm)) return false;
@@ -89,7 +117,7 @@ bool FileTimeToLocal(qint64 fileTime, LocalTime* out) {
   out->hour = tm.tm_hour;
   out->minute = tm.tm_min;
   out->second = tm.tm_sec;
-  out->millisecond = int(nanos / 1'000'000);
+  out->millisecond = 0;
   out->weekday = tm.tm_wday == 0 ? 7 : tm.tm_wday;
   return true;
 }

@@ -11,5 +11,7 @@ namespace core {
 // "\xHH", so a script gets the exact bytes back.
 void AppendRowField(QString* out, QStringView text);
 QString RowField(QStringView text);
+// Whether AppendRowField would change the text.
+bool NeedsRowEscape(QStringView text);
 
 }  // namespace core

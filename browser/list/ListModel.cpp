@@ -24,6 +24,9 @@ struct ListModel::Formats {
     core::LocalTime a{2001, 2, 3, 1, 2, 3, 4, 6};
     core::LocalTime b{2001, 2, 3, 13, 40, 50, 999, 6};
     dateByDay = date.format(a) == date.format(b);
+    core::LocalTime c = a;
+    c.millisecond = 500;
+    bySecond = time.format(a) == time.format(c) && date.format(a) == date.format(c);
   }
 
   void appendDate(QString* out, const core::LocalTime& t) const {
@@ -44,6 +47,14 @@ struct ListModel::Formats {
   core::DatePattern date;
   core::DatePattern time;
   bool dateByDay = false;
+  bool bySecond = false;  // the texts show no fraction of a second
+  // The last text of each time column: files made or read together share
+  // their second, and a text costs a zone lookup and a dozen pieces.
+  struct Stamp {
+    qint64 second = -1;
+    QString text;
+  };
+  mutable std::array<Stamp, 3> stamps;
   struct Day {
     qint32 key = -1;
     QString text;
@@ -189,6 +200,12 @@ void ListModel::appendDataText(QString* out, RowId id, int dataIndex, bool raw) 
     case core::kSlotAccessed: {
       const qint64 t = dataIndex == core::kSlotCreated ? r.created
                        : dataIndex == core::kSlotModified ? r.modified : r.accessed;
+      Formats::Stamp& stamp = formats_->stamps[size_t(dataIndex - core::kSlotCreated) % 3];
+      const qint64 second = t > 0 ? t / platform::kTicksPerSecond : -1;
+      if (!age_ && formats_->bySecond && second >= 0 && stamp.second == second) {
+        out->append(stamp.text);
+        break;
+      }
       core::LocalTime local;
       if (t == 0 || !core::FileTimeToLocal(t, &local)) {
         out->append(QStringLiteral("(unknown)"));
@@ -198,12 +215,18 @@ void ListModel::appendDataText(QString* out, RowId id, int dataIndex, bool raw) 
         core::AppendAgeText(out, ageNow_ - double(t) / double(platform::kTicksPerSecond * 60));
         break;
       }
+      const qsizetype at = out->size();
       formats_->appendDate(out, local);
       out->append(u' ');
       formats_->time.appendTo(out, local);
+      if (formats_->bySecond && second >= 0) {
+        stamp.second = second;
+        stamp.text.resize(0);
+        stamp.text.append(QStringView(*out).mid(at));
+      }
       break;
     }
-    case core::kSlotAttr: out->append(core::AttributeString(r.attributes)); break;
+    case core::kSlotAttr: core::AppendAttributeString(out, r.attributes); break;
     case core::kSlotPath:
       if (raw) out->append(rows_.folder(r.folder));
       else AppendDisplay(out, rows_.folder(r.folder));
