@@ -45,7 +45,8 @@ class FindRowPrinter {
 
   static constexpr size_t kBatch = 512;       // hits handed over at once
   static constexpr size_t kMostBatches = 64;  // waiting batches before the walk waits
-  static constexpr qsizetype kChunk = 1 << 20;
+  // Small enough to stay in the cache between two writes.
+  static constexpr qsizetype kChunk = 1 << 14;
 
   browser::ListModel* model_;
   browser::RowBuilder builder_;

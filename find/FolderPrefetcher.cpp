@@ -17,6 +17,13 @@ bool IsDotName(const QString& name) {
 // well below the usual limit of 1024.
 constexpr size_t kMostAhead = 256;
 constexpr int kMostReaders = 16;
+
+// Heap order: the folder the walk comes to first on top. Pre-order is the
+// order of the paths of places (a folder before its contents).
+template <class NodePtr>
+bool LaterInWalk(const NodePtr& a, const NodePtr& b) {
+  return std::lexicographical_compare(b->order.begin(), b->order.end(), a->order.begin(), a->order.end());
+}
 }  // namespace
 
 FolderPrefetcher::FolderPrefetcher(const QString& location, bool excludeOn, const QStringList& excludes, int readers,
@@ -73,6 +80,9 @@ void FolderPrefetcher::read(Node& node) {
       QString sub = node.path + r.name(i) + u'/';
       if (excluded(sub)) continue;
       auto child = std::make_shared<Node>();
+      child->order.reserve(node.order.size() + 1);
+      child->order = node.order;
+      child->order.push_back(quint32(node.children.size()));
       child->path = std::move(sub);
       child->parent = reader;
       child->index = i;
@@ -84,8 +94,12 @@ void FolderPrefetcher::read(Node& node) {
 }
 
 void FolderPrefetcher::publish(const std::shared_ptr<Node>& node) {
-  // The first subfolder on top: helpers go depth first, as the walk does.
-  for (auto it = node->children.rbegin(); it != node->children.rend(); ++it) todo_.push_back(*it);
+  // Helpers always take the folder the walk needs first, so that the walk
+  // seldom finds its next folder unread.
+  for (const std::shared_ptr<Node>& child : node->children) {
+    todo_.push_back(child);
+    std::push_heap(todo_.begin(), todo_.end(), LaterInWalk<std::shared_ptr<Node>>);
+  }
   node->state = Node::kReady;
   if (idle_ > 0 && !node->children.empty() && !throttled_) work_.notify_all();
 }
@@ -98,7 +112,10 @@ void FolderPrefetcher::work() {
       for (;;) {
         // After Escape nothing more is read ahead; the walk stops on its own.
         if (stop_ || core::JobFlags::AbortRequested()) return;
-        while (!todo_.empty() && todo_.back()->state != Node::kPending) todo_.pop_back();  // the walk took it
+        while (!todo_.empty() && todo_.front()->state != Node::kPending) {  // the walk took it
+          std::pop_heap(todo_.begin(), todo_.end(), LaterInWalk<std::shared_ptr<Node>>);
+          todo_.pop_back();
+        }
         // A full window sleeps until the walk has taken half of it: a
         // wake-up costs far more than a folder.
         if (inFlight_ >= ahead_) throttled_ = true;
@@ -107,6 +124,7 @@ void FolderPrefetcher::work() {
         work_.wait(lock);
         --idle_;
       }
+      std::pop_heap(todo_.begin(), todo_.end(), LaterInWalk<std::shared_ptr<Node>>);
       node = std::move(todo_.back());
       todo_.pop_back();
       node->state = Node::kReading;

@@ -48,6 +48,7 @@ class FolderPrefetcher {
     qsizetype index = 0;
     Reader reader;
     std::vector<std::shared_ptr<Node>> children;  // subfolders in walk order, once read
+    std::vector<quint32> order;  // place among its parent's subfolders, from the location down
     bool counted = false;  // holds a place of the read-ahead window
   };
   struct Frame {
@@ -73,7 +74,7 @@ class FolderPrefetcher {
   std::mutex mutex_;
   std::condition_variable work_;   // helpers wait for a folder to read or for room
   std::condition_variable ready_;  // the walk waits for the folder it needs
-  std::vector<std::shared_ptr<Node>> todo_;  // folders to read, the next on top
+  std::vector<std::shared_ptr<Node>> todo_;  // folders to read: a heap, the first in walk order on top
   std::vector<Frame> frames_;                // the walk's position in the tree
   std::shared_ptr<Node> root_;
   std::shared_ptr<Node> waitingFor_;  // the node the walk sleeps on
