@@ -37,11 +37,16 @@ struct ListModel::Formats {
     const qint32 key = (t.year * 13 + t.month) * 32 + t.day;
     Day& d = days[size_t(key) % days.size()];
     if (d.key != key) {
-      d.text.clear();
-      date.appendTo(&d.text, t);
+      const qsizetype at = out->size();
+      date.appendTo(out, t);
+      const qsizetype n = out->size() - at;
+      if (n > qsizetype(std::size(d.text))) return;  // too long to keep
+      std::copy(out->utf16() + at, out->utf16() + at + n, d.text);
+      d.size = quint16(n);
       d.key = key;
+      return;
     }
-    out->append(d.text);
+    out->append(QStringView(d.text, d.size));
   }
 
   core::DatePattern date;
@@ -55,11 +60,14 @@ struct ListModel::Formats {
     QString text;
   };
   mutable std::array<Stamp, 3> stamps;
+  // Kept in place (no string of its own to reach): dates of a listing
+  // often jump between many days.
   struct Day {
     qint32 key = -1;
-    QString text;
+    quint16 size = 0;
+    char16_t text[29];
   };
-  mutable std::array<Day, 1024> days;
+  mutable std::array<Day, 4096> days;
 };
 
 namespace {
