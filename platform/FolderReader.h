@@ -45,7 +45,7 @@ class FolderReader {
   // folder is screened: an entry that was not wanted needs no look at all.
   void statAhead(const std::vector<bool>& wanted);
   bool isScreened() const { return !ahead_.empty() || screenedEmpty_; }
-  bool passedScreen(qsizetype i) const { return !ahead_.empty() && ahead_[size_t(i)].state != 0; }
+  bool passedScreen(qsizetype i) const { return !ahead_.empty() && aheadSlot_[size_t(i)] >= 0; }
 
  private:
   void read();
@@ -59,9 +59,10 @@ class FolderReader {
   std::vector<unsigned char> types_;  // dirent d_type
   struct Ahead {
     DirEntry entry;
-    signed char state = 0;  // 0 not wanted, 1 statted, -1 vanished
+    signed char state = 0;  // 1 statted, -1 vanished
   };
-  std::vector<Ahead> ahead_;
+  std::vector<Ahead> ahead_;       // the wanted entries only
+  std::vector<qint32> aheadSlot_;  // per entry: its place in ahead_, -1 if not wanted
   bool screenedEmpty_ = false;  // screened, nothing wanted
 };
 
