@@ -3,11 +3,14 @@
 // find (summary shown) is measured. Two cases: during a walk over a folder
 // tree, and inside the contained-text read of a 2 GB file.
 //
-//   find_abort_bench CORPUS_DIR [SCRATCH_DIR]
+//   find_abort_bench CORPUS_DIR [SCRATCH_DIR [THREADS]]
+//
+// THREADS is the find's thread setting (0, the default: one per core).
 #include <QCoreApplication>
 #include <QDir>
 #include <chrono>
 #include <cstdio>
+#include <cstdlib>
 #include <fcntl.h>
 #include <thread>
 #include <unistd.h>
@@ -48,12 +51,13 @@ double StopLatency(find::FindCriteria criteria, int delayMs, qsizetype* rows) {
 int main(int argc, char** argv) {
   QCoreApplication app(argc, argv);
   if (argc < 2) {
-    std::fprintf(stderr, "usage: find_abort_bench CORPUS_DIR [SCRATCH_DIR]\n");
+    std::fprintf(stderr, "usage: find_abort_bench CORPUS_DIR [SCRATCH_DIR [THREADS]]\n");
     return 2;
   }
   const QString corpus = QDir(QString::fromLocal8Bit(argv[1])).absolutePath() + u'/';
   const QString scratch = QDir(QString::fromLocal8Bit(argc > 2 ? argv[2] : "/tmp")).absolutePath() +
                           QStringLiteral("/quorvane-abort-bench/");
+  const int threads = argc > 3 ? std::atoi(argv[3]) : 0;
 
   double worst = 0;
   for (int delay : {50, 120, 200, 300}) {
@@ -61,10 +65,26 @@ int main(int argc, char** argv) {
     c.locations = {corpus};
     c.patterns = {QStringLiteral("*.*")};
     c.includeSubfolders = true;
+    c.threads = threads;
     qsizetype rows = 0;
     const double ms = StopLatency(c, delay, &rows);
     worst = std::max(worst, ms);
     std::printf("walk: Escape after %3d ms: stopped %.3f ms later (%lld rows kept)\n", delay, ms,
+                static_cast<long long>(rows));
+  }
+  for (int delay : {50, 200}) {
+    find::FindCriteria c;
+    c.locations = {corpus};
+    c.patterns = {QStringLiteral("*.*")};
+    c.includeSubfolders = true;
+    c.textOn = true;
+    c.text = "not in there";
+    c.search.SetText(c.text);
+    c.threads = threads;
+    qsizetype rows = 0;
+    const double ms = StopLatency(c, delay, &rows);
+    worst = std::max(worst, ms);
+    std::printf("text walk: Escape after %3d ms: stopped %.3f ms later (%lld rows kept)\n", delay, ms,
                 static_cast<long long>(rows));
   }
 
@@ -106,6 +126,7 @@ int main(int argc, char** argv) {
     c.textOn = true;
     c.text = "not in there";
     c.search.SetText(c.text);
+    c.threads = threads;
     qsizetype rows = 0;
     const double ms = StopLatency(c, delay, &rows);
     worstFile = std::max(worstFile, ms);

@@ -36,7 +36,8 @@ printf '  every entry  %s / %s\n' "$(($(count "$q") + 1))" "$(count "find $corpu
 json=$(mktemp)
 trap 'rm -f "$json"' EXIT
 prepare=()
-[[ ${COLD:-0} == 1 ]] && prepare=(--prepare 'sync; echo 3 > /proc/sys/vm/drop_caches')
+# -N runs the preparation without a shell too: give it one.
+[[ ${COLD:-0} == 1 ]] && prepare=(--prepare "sh -c 'sync; echo 3 > /proc/sys/vm/drop_caches'")
 args=(
   -n quorvane-text "$q --containing quorvane_needle --case"
   -n rg-text "rg -l -uuu quorvane_needle $corpus"

@@ -3,6 +3,7 @@
 #include "browser/list/ListModel.h"
 #include "browser/list/ListPrinter.h"
 #include "browser/list/RowBuilder.h"
+#include "cli/FindRowPrinter.h"
 #include "cli/ListCommand.h"
 #include "core/AttributeText.h"
 #include "core/ListModes.h"
@@ -17,34 +18,24 @@ using V = core::FindTabValues;
 
 // Find rows go into the Find-mode list model; statuses to standard error.
 // Unless the rows are to be sorted, each row is also printed as it is found
-// (the list's visible columns in display order, tab-separated), so that the
-// output overlaps the walk; it leaves in chunks of about a megabyte.
+// (the list's visible columns in display order, tab-separated), by a printer
+// thread that overlaps the walk.
 class CliFindSink : public find::FindSink {
  public:
   CliFindSink(browser::ListModel* model, QTextStream& out, QTextStream& err, bool stream, bool header)
-      : model_(model), builder_(model), out_(out), err_(err), stream_(stream), header_(header) {}
-  ~CliFindSink() override { flush(); }
+      : model_(model), builder_(model), printer_(model, out, header), err_(err), stream_(stream) {}
 
   void startFill() override {
     model_->beginFill();
-    if (!stream_) return;
-    data_ = browser::ListPrinter::VisibleData(*model_);
-    buffer_.reserve(kChunk + 4096);
-    if (header_) browser::ListPrinter::AppendHeader(*model_, &buffer_);
+    if (stream_) printer_.start();
   }
   void addRow(const platform::DirEntry& entry, const QString& folder, const QString&) override {
-    builder_.add(entry, folder);
-    if (!stream_) return;
-    const browser::RowId id = model_->rowAt(model_->rowCount() - 1);
-    browser::ListPrinter::AppendRow(*model_, id, data_, &buffer_, &cell_);
-    if (buffer_.size() >= kChunk) flush();
+    ++rows_;
+    if (stream_) printer_.add(entry, folder);
+    else builder_.add(entry, folder);
   }
-  void flush() {
-    if (buffer_.isEmpty()) return;
-    out_ << buffer_;
-    buffer_.resize(0);  // keeps its capacity
-  }
-  qsizetype rowCount() const override { return model_->rowCount(); }
+  void flush() { printer_.finish(); }
+  qsizetype rowCount() const override { return rows_; }
   void sortRows() override { model_->sortAgain(); }
   void showJobStatus(int mode, const QString& text) override {
     if (mode == find::kStatusFindEnd) summary_ = text;
@@ -53,16 +44,12 @@ class CliFindSink : public find::FindSink {
   const QString& summary() const { return summary_; }
 
  private:
-  static constexpr qsizetype kChunk = 1 << 20;
   browser::ListModel* model_;
   browser::RowBuilder builder_;
-  QTextStream& out_;
+  FindRowPrinter printer_;
   QTextStream& err_;
-  QString cell_;
   const bool stream_;
-  const bool header_;
-  std::vector<int> data_;
-  QString buffer_;
+  qsizetype rows_ = 0;
   QString summary_;
 };
 

@@ -9,6 +9,13 @@ QString AttributeString(quint32 attributes) {
   return out;
 }
 
+void AppendAttributeString(QString* out, quint32 attributes) {
+  char16_t text[kAttributeTable.size()];
+  for (size_t i = 0; i < kAttributeTable.size(); ++i)
+    text[i] = attributes & kAttributeTable[i].bit ? char16_t(kAttributeTable[i].letter) : u'-';
+  out->append(QStringView(text, qsizetype(kAttributeTable.size())));
+}
+
 bool AttributeBitsFromLetters(const QString& letters, quint32* bits) {
   quint32 out = 0;
   for (QChar c : letters) {

@@ -24,6 +24,7 @@ inline constexpr std::array<AttributeRow, 8> kAttributeTable = {{
 
 // Eight characters: the row's letter where its bit is set, "-" elsewhere.
 QString AttributeString(quint32 attributes);
+void AppendAttributeString(QString* out, quint32 attributes);
 // The inverse for the letters given on a command line ("RH", "d"); false on an unknown letter.
 bool AttributeBitsFromLetters(const QString& letters, quint32* bits);
 

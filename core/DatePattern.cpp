@@ -1,5 +1,7 @@
 #include "core/DatePattern.h"
 
+#include <algorithm>
+
 #include "core/FormatLocale.h"
 
 namespace core {
@@ -12,18 +14,47 @@ int RunLength(QStringView p, qsizetype i) {
   return int(j - i);
 }
 
-void AppendNumber(QString* out, int v, int width) {
-  char buf[16];
-  int n = 0;
-  unsigned u = v < 0 ? unsigned(-v) : unsigned(v);
-  do {
-    buf[n++] = char('0' + u % 10);
-    u /= 10;
-  } while (u);
-  if (v < 0) out->append(u'-');
-  for (int k = n; k < width; ++k) out->append(u'0');
-  while (n) out->append(QLatin1Char(buf[--n]));
-}
+// A date is a dozen small pieces: they are gathered here and go into the
+// string in one append.
+class Pieces {
+ public:
+  explicit Pieces(QString* out) : out_(out) {}
+  ~Pieces() { flush(); }
+  void add(QStringView text) {
+    if (n_ + text.size() > kSize) {
+      flush();
+      if (text.size() > kSize) {
+        out_->append(text);
+        return;
+      }
+    }
+    std::copy(text.utf16(), text.utf16() + text.size(), buf_ + n_);
+    n_ += text.size();
+  }
+  void number(int v, int width) {
+    char16_t digits[16];
+    int n = 0;
+    unsigned u = v < 0 ? 0u - unsigned(v) : unsigned(v);
+    do {
+      digits[n++] = char16_t(u'0' + u % 10);
+      u /= 10;
+    } while (u);
+    if (n_ + width + n + 1 > kSize) flush();
+    if (v < 0) buf_[n_++] = u'-';
+    for (int k = n; k < width; ++k) buf_[n_++] = u'0';
+    while (n) buf_[n_++] = digits[--n];
+  }
+
+ private:
+  void flush() {
+    if (n_) out_->append(QStringView(buf_, n_));
+    n_ = 0;
+  }
+  static constexpr qsizetype kSize = 96;
+  QString* out_;
+  char16_t buf_[kSize];
+  qsizetype n_ = 0;
+};
 
 }  // namespace
 
@@ -105,31 +136,32 @@ DatePattern::DatePattern(QStringView pattern) {
 
 void DatePattern::appendTo(QString* out, const LocalTime& t) const {
   const QLocale& loc = FormatLocale();
+  Pieces p(out);
   for (const Token& tok : tokens_) {
     switch (tok.field) {
-      case Field::Literal: out->append(tok.literal); break;
-      case Field::Day: AppendNumber(out, t.day, 1); break;
-      case Field::Day2: AppendNumber(out, t.day, 2); break;
-      case Field::DayShort: out->append(loc.dayName(t.weekday, QLocale::ShortFormat)); break;
-      case Field::DayLong: out->append(loc.dayName(t.weekday, QLocale::LongFormat)); break;
-      case Field::Month: AppendNumber(out, t.month, 1); break;
-      case Field::Month2: AppendNumber(out, t.month, 2); break;
-      case Field::MonthShort: out->append(loc.monthName(t.month, QLocale::ShortFormat)); break;
-      case Field::MonthLong: out->append(loc.monthName(t.month, QLocale::LongFormat)); break;
-      case Field::Year2: AppendNumber(out, ((t.year % 100) + 100) % 100, 2); break;
-      case Field::Year4: AppendNumber(out, t.year, 4); break;
-      case Field::Hour12: AppendNumber(out, t.hour % 12 == 0 ? 12 : t.hour % 12, 1); break;
-      case Field::Hour12_2: AppendNumber(out, t.hour % 12 == 0 ? 12 : t.hour % 12, 2); break;
-      case Field::Hour24: AppendNumber(out, t.hour, 1); break;
-      case Field::Hour24_2: AppendNumber(out, t.hour, 2); break;
-      case Field::Minute: AppendNumber(out, t.minute, 1); break;
-      case Field::Minute2: AppendNumber(out, t.minute, 2); break;
-      case Field::Second: AppendNumber(out, t.second, 1); break;
-      case Field::Second2: AppendNumber(out, t.second, 2); break;
-      case Field::Milli: AppendNumber(out, t.millisecond, 1); break;
-      case Field::Milli3: AppendNumber(out, t.millisecond, 3); break;
-      case Field::AmPmUpper: out->append(t.hour < 12 ? loc.amText().toUpper() : loc.pmText().toUpper()); break;
-      case Field::AmPmLower: out->append(t.hour < 12 ? loc.amText().toLower() : loc.pmText().toLower()); break;
+      case Field::Literal: p.add(tok.literal); break;
+      case Field::Day: p.number(t.day, 1); break;
+      case Field::Day2: p.number(t.day, 2); break;
+      case Field::DayShort: p.add(loc.dayName(t.weekday, QLocale::ShortFormat)); break;
+      case Field::DayLong: p.add(loc.dayName(t.weekday, QLocale::LongFormat)); break;
+      case Field::Month: p.number(t.month, 1); break;
+      case Field::Month2: p.number(t.month, 2); break;
+      case Field::MonthShort: p.add(loc.monthName(t.month, QLocale::ShortFormat)); break;
+      case Field::MonthLong: p.add(loc.monthName(t.month, QLocale::LongFormat)); break;
+      case Field::Year2: p.number(((t.year % 100) + 100) % 100, 2); break;
+      case Field::Year4: p.number(t.year, 4); break;
+      case Field::Hour12: p.number(t.hour % 12 == 0 ? 12 : t.hour % 12, 1); break;
+      case Field::Hour12_2: p.number(t.hour % 12 == 0 ? 12 : t.hour % 12, 2); break;
+      case Field::Hour24: p.number(t.hour, 1); break;
+      case Field::Hour24_2: p.number(t.hour, 2); break;
+      case Field::Minute: p.number(t.minute, 1); break;
+      case Field::Minute2: p.number(t.minute, 2); break;
+      case Field::Second: p.number(t.second, 1); break;
+      case Field::Second2: p.number(t.second, 2); break;
+      case Field::Milli: p.number(t.millisecond, 1); break;
+      case Field::Milli3: p.number(t.millisecond, 3); break;
+      case Field::AmPmUpper: p.add(t.hour < 12 ? loc.amText().toUpper() : loc.pmText().toUpper()); break;
+      case Field::AmPmLower: p.add(t.hour < 12 ? loc.amText().toLower() : loc.pmText().toLower()); break;
     }
   }
 }

@@ -53,7 +53,20 @@ bool MayNeedEscape(QStringView text) {
   return false;
 }
 
+bool Escaped(QStringView text, qsizetype i) {
+  const char16_t c = text[i].unicode();
+  return c < 0x20 || c == u'\\' || c == 0x7F ||
+         (c >= 0xDC80 && c <= 0xDCFF && (i == 0 || !QChar::isHighSurrogate(text[i - 1].unicode())));
+}
+
 }  // namespace
+
+bool NeedsRowEscape(QStringView text) {
+  if (!MayNeedEscape(text)) return false;
+  for (qsizetype i = 0; i < text.size(); ++i)
+    if (Escaped(text, i)) return true;
+  return false;
+}
 
 void AppendRowField(QString* out, QStringView text) {
   if (!MayNeedEscape(text)) {
@@ -62,9 +75,8 @@ void AppendRowField(QString* out, QStringView text) {
   }
   qsizetype plain = 0;  // start of the run not yet copied
   for (qsizetype i = 0; i < text.size(); ++i) {
+    if (!Escaped(text, i)) continue;
     const char16_t c = text[i].unicode();
-    const bool escape = c < 0x20 || c == u'\\' || c == 0x7F || (c >= 0xDC80 && c <= 0xDCFF && (i == 0 || !QChar::isHighSurrogate(text[i - 1].unicode())));
-    if (!escape) continue;
     out->append(text.mid(plain, i - plain));
     plain = i + 1;
     switch (c) {

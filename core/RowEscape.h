@@ -11,6 +11,8 @@ namespace core {
 // "\xHH", so a script gets the exact bytes back.
 void AppendRowField(QString* out, QStringView text);
 QString RowField(QStringView text);
+// Whether AppendRowField would change the text.
+bool NeedsRowEscape(QStringView text);
 
 // The inverse: the exact text back from a field; false for an escape that
 // RowField never writes (the field is then not ours or was damaged).

@@ -132,7 +132,11 @@ class Walker {
       // file contents are read: then files, not folders, set the pace, and a
       // second thread only makes every file operation of the process dearer
       // (the kernel's single-threaded shortcuts end).
-      if (c_.includeSubfolders && !c_.textOn) prefetcher_ = std::make_unique<FolderPrefetcher>(location, c_.excludeOn, c_.excludes);
+      // The helpers also look up the entries whose names match, so that the
+      // walk itself only tests and reports them.
+      if (c_.includeSubfolders && !c_.textOn)
+        prefetcher_ = std::make_unique<FolderPrefetcher>(location, c_.excludeOn, c_.excludes,
+                                                         ContentPool::WorkersFor(c_.threads), &patterns_);
       if (!everything && c_.includeSubfolders) scanThenRecurse(nullptr, 0, location, location);
       else scanByPattern(nullptr, 0, location, location);
       prefetcher_.reset();
@@ -168,6 +172,11 @@ class Walker {
   }
 
   bool nameMatches(const platform::FolderReader& reader, qsizetype i, const platform::WildcardPattern& p) const {
+    if (reader.isScreened()) {
+      // Read ahead: only names that match some pattern were kept.
+      if (!reader.passedScreen(i)) return false;
+      if (patterns_.size() == 1) return true;
+    }
     if (p.matchesEverything() || p.matches(reader.name(i))) return true;
     const QString& alias = reader.alias(i);
     return !alias.isEmpty() && p.matches(alias);

@@ -2,7 +2,7 @@
 
 #include <sched.h>
 
-#include <vector>
+#include <algorithm>
 
 #include "core/JobFlags.h"
 
@@ -12,110 +12,188 @@ namespace {
 bool IsDotName(const QString& name) {
   return name.size() <= 2 && (name.isEmpty() || name == u"." || name == u"..");
 }
+
+// Descriptors held by folders read ahead, whatever the number of readers:
+// well below the usual limit of 1024.
+constexpr size_t kMostAhead = 256;
+constexpr int kMostReaders = 16;
+
+// Heap order: the folder the walk comes to first on top. Pre-order is the
+// order of the paths of places (a folder before its contents).
+template <class NodePtr>
+bool LaterInWalk(const NodePtr& a, const NodePtr& b) {
+  return std::lexicographical_compare(b->order.begin(), b->order.end(), a->order.begin(), a->order.end());
+}
 }  // namespace
 
-FolderPrefetcher::FolderPrefetcher(const QString& location, bool excludeOn, const QStringList& excludes)
-    : excludeOn_(excludeOn), excludes_(excludes), thread_(&FolderPrefetcher::run, this, location) {}
+FolderPrefetcher::FolderPrefetcher(const QString& location, bool excludeOn, const QStringList& excludes, int readers,
+                                   const std::vector<platform::WildcardPattern>* screen)
+    : excludeOn_(excludeOn), excludes_(excludes) {
+  if (screen) {
+    screen_ = *screen;
+    screening_ = !screen_.empty();
+  }
+  readers = std::clamp(readers, 1, kMostReaders);
+  ahead_ = std::min(kMostAhead, kAheadPerReader * size_t(readers));
+  root_ = std::make_shared<Node>();
+  root_->path = location;
+  todo_.push_back(root_);
+  for (int i = 0; i < readers; ++i) threads_.emplace_back(&FolderPrefetcher::work, this);
+}
 
 FolderPrefetcher::~FolderPrefetcher() {
   {
     std::lock_guard lock(mutex_);
     stop_ = true;
   }
-  notFull_.notify_all();
-  thread_.join();
+  work_.notify_all();
+  for (std::thread& t : threads_) t.join();
 }
 
-// Each side wakes the other only when it sleeps, and the reader, once ahead
-// by kAhead folders, sleeps until the walk has taken half of them: a wake-up
-// costs far more than a folder.
-bool FolderPrefetcher::put(Item item) {
-  std::unique_lock lock(mutex_);
-  if (queue_.size() >= kAhead) {
-    producerWaiting_ = true;
-    notFull_.wait(lock, [this] { return stop_ || queue_.size() <= kAhead / 2; });
-    producerWaiting_ = false;
+bool FolderPrefetcher::excluded(const QString& path) const {
+  if (!excludeOn_) return false;
+  for (const QString& e : excludes_)
+    if (path.contains(e, Qt::CaseInsensitive)) return true;
+  return false;
+}
+
+void FolderPrefetcher::read(Node& node) {
+  auto reader = node.parent ? std::make_shared<platform::FolderReader>(*node.parent, node.index)
+                            : std::make_shared<platform::FolderReader>(node.path);
+  const platform::FolderReader& r = *reader;
+  if (r.isOpen()) {
+    if (screening_) {
+      std::vector<bool> wanted(size_t(r.count()), false);
+      for (qsizetype i = 0; i < r.count(); ++i) {
+        if (IsDotName(r.name(i))) continue;
+        for (const platform::WildcardPattern& p : screen_) {
+          if (p.matchesEverything() || p.matches(r.name(i)) || (!r.alias(i).isEmpty() && p.matches(r.alias(i)))) {
+            wanted[size_t(i)] = true;
+            break;
+          }
+        }
+      }
+      reader->statAhead(wanted);
+    }
+    for (qsizetype i = 0; i < r.count(); ++i) {
+      if (IsDotName(r.name(i)) || !r.isWalkableFolder(i)) continue;
+      QString sub = node.path + r.name(i) + u'/';
+      if (excluded(sub)) continue;
+      auto child = std::make_shared<Node>();
+      child->order.reserve(node.order.size() + 1);
+      child->order = node.order;
+      child->order.push_back(quint32(node.children.size()));
+      child->path = std::move(sub);
+      child->parent = reader;
+      child->index = i;
+      node.children.push_back(std::move(child));
+    }
   }
-  if (stop_) return false;
-  queue_.push_back(std::move(item));
-  ready_.store(queue_.size(), std::memory_order_release);
-  // A waiting walk is woken when a few folders are ready, not for each one.
-  const bool wake = consumerWaiting_ && queue_.size() >= kWakeBatch;
-  lock.unlock();
-  if (wake) notEmpty_.notify_one();
-  return true;
+  node.reader = std::move(reader);
+  node.parent.reset();
+}
+
+void FolderPrefetcher::publish(const std::shared_ptr<Node>& node) {
+  // Helpers always take the folder the walk needs first, so that the walk
+  // seldom finds its next folder unread.
+  for (const std::shared_ptr<Node>& child : node->children) {
+    todo_.push_back(child);
+    std::push_heap(todo_.begin(), todo_.end(), LaterInWalk<std::shared_ptr<Node>>);
+  }
+  node->state = Node::kReady;
+  if (idle_ > 0 && !node->children.empty() && !throttled_) work_.notify_all();
+}
+
+void FolderPrefetcher::work() {
+  for (;;) {
+    std::shared_ptr<Node> node;
+    {
+      std::unique_lock lock(mutex_);
+      for (;;) {
+        // After Escape nothing more is read ahead; the walk stops on its own.
+        if (stop_ || core::JobFlags::AbortRequested()) return;
+        while (!todo_.empty() && todo_.front()->state != Node::kPending) {  // the walk took it
+          std::pop_heap(todo_.begin(), todo_.end(), LaterInWalk<std::shared_ptr<Node>>);
+          todo_.pop_back();
+        }
+        // A full window sleeps until the walk has taken half of it: a
+        // wake-up costs far more than a folder.
+        if (inFlight_ >= ahead_) throttled_ = true;
+        if (!todo_.empty() && !throttled_) break;
+        ++idle_;
+        work_.wait(lock);
+        --idle_;
+      }
+      std::pop_heap(todo_.begin(), todo_.end(), LaterInWalk<std::shared_ptr<Node>>);
+      node = std::move(todo_.back());
+      todo_.pop_back();
+      node->state = Node::kReading;
+      node->counted = true;
+      ++inFlight_;
+    }
+    read(*node);
+    bool wake = false;
+    {
+      std::lock_guard lock(mutex_);
+      publish(node);
+      wake = waitingFor_ == node;
+    }
+    if (wake) ready_.notify_one();
+  }
 }
 
 FolderPrefetcher::Reader FolderPrefetcher::take(const QString& path) {
-  // The next folder is often a few microseconds away: let the reader run a
-  // few times before going to sleep.
-  for (int i = 0; i < 16 && ready_.load(std::memory_order_acquire) == 0 &&
-                  !finished_.load(std::memory_order_acquire);
-       ++i)
-    sched_yield();
   std::unique_lock lock(mutex_);
   if (off_) return nullptr;
-  if (queue_.empty() && !done_) {
-    consumerWaiting_ = true;
-    notEmpty_.wait(lock, [this] { return queue_.size() >= kWakeBatch || done_; });
-    consumerWaiting_ = false;
+  std::shared_ptr<Node> next;
+  if (!started_) {
+    started_ = true;
+    next = root_;
   }
-  if (queue_.empty() || queue_.front().path != path) {
-    off_ = stop_ = true;  // out of step with the walk: stop reading ahead
-    queue_.clear();
-    ready_.store(0, std::memory_order_release);
+  while (!next && !frames_.empty()) {
+    Frame& f = frames_.back();
+    if (f.next < f.node->children.size()) next = f.node->children[f.next++];
+    else frames_.pop_back();
+  }
+  if (!next || next->path != path) {
+    // Out of step with the walk: stop reading ahead.
+    off_ = stop_ = true;
+    todo_.clear();
+    frames_.clear();
     lock.unlock();
-    notFull_.notify_all();
+    work_.notify_all();
     return nullptr;
   }
-  Reader reader = std::move(queue_.front().reader);
-  queue_.pop_front();
-  ready_.store(queue_.size(), std::memory_order_release);
-  const bool wake = producerWaiting_ && queue_.size() <= kAhead / 2;
-  lock.unlock();
-  if (wake) notFull_.notify_one();
-  return reader;
-}
-
-void FolderPrefetcher::run(QString location) {
-  struct Frame {
-    Reader reader;
-    QString path;
-    qsizetype next = 0;
-  };
-  auto excluded = [this](const QString& path) {
-    if (!excludeOn_) return false;
-    for (const QString& e : excludes_)
-      if (path.contains(e, Qt::CaseInsensitive)) return true;
-    return false;
-  };
-
-  std::vector<Frame> stack;
-  Reader root = std::make_shared<const platform::FolderReader>(location);
-  if (put({location, root}) && root->isOpen()) stack.push_back({root, location, 0});
-  while (!stack.empty()) {
-    if (core::JobFlags::AbortRequested()) break;
-    Reader parent = stack.back().reader;
-    const QString folder = stack.back().path;
-    qsizetype i = stack.back().next;
-    while (i < parent->count() && (IsDotName(parent->name(i)) || !parent->isWalkableFolder(i))) ++i;
-    if (i >= parent->count()) {
-      stack.pop_back();
-      continue;
+  if (next->state == Node::kPending) {
+    // No helper got to it yet: read it here rather than wait.
+    next->state = Node::kReading;
+    lock.unlock();
+    read(*next);
+    lock.lock();
+    publish(next);
+  } else if (next->state == Node::kReading) {
+    // Often only microseconds away: let the helper finish before sleeping.
+    for (int i = 0; i < 16 && next->state != Node::kReady; ++i) {
+      lock.unlock();
+      sched_yield();
+      lock.lock();
     }
-    stack.back().next = i + 1;
-    QString sub = folder + parent->name(i) + u'/';
-    if (excluded(sub)) continue;
-    Reader child = std::make_shared<const platform::FolderReader>(*parent, i);
-    if (!put({sub, child})) break;
-    if (child->isOpen()) stack.push_back({std::move(child), std::move(sub), 0});
+    if (next->state != Node::kReady) {
+      waitingFor_ = next;
+      ready_.wait(lock, [&] { return next->state == Node::kReady; });
+      waitingFor_.reset();
+    }
   }
-  {
-    std::lock_guard lock(mutex_);
-    done_ = true;
-    finished_.store(true, std::memory_order_release);
+  if (next->counted) {
+    next->counted = false;
+    if (--inFlight_ <= ahead_ / 2 && throttled_) {
+      throttled_ = false;
+      if (idle_ > 0) work_.notify_all();
+    }
   }
-  notEmpty_.notify_all();
+  Reader reader = std::move(next->reader);
+  frames_.push_back({std::move(next), 0});
+  return reader;
 }
 
 }  // namespace find

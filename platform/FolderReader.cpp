@@ -131,6 +131,11 @@ void FolderReader::readPlain() {
   for (;;) {
     const ssize_t n = getdents64(fd_, buffer, sizeof buffer);
     if (n <= 0) break;
+    // Room for the whole batch at once: no regrowth of the lists.
+    size_t batch = 0;
+    for (ssize_t at = 0; at < n; ++batch) at += reinterpret_cast<const struct dirent64*>(buffer + at)->d_reclen;
+    names_.reserve(names_.size() + batch);
+    types_.reserve(types_.size() + batch);
     for (ssize_t at = 0; at < n;) {
       const auto* d = reinterpret_cast<const struct dirent64*>(buffer + at);
       names_.push_back(FromNative(d->d_name, qsizetype(strlen(d->d_name))));
@@ -193,7 +198,31 @@ bool FolderReader::isWalkableFolder(qsizetype i) const {
 
 bool FolderReader::isRegularFile(qsizetype i) const { return types_[size_t(i)] == DT_REG; }
 
+void FolderReader::statAhead(const std::vector<bool>& wanted) {
+  if (fd_ < 0) return;
+  std::vector<qint32> slots(names_.size(), -1);
+  std::vector<Ahead> ahead;
+  for (size_t i = 0; i < names_.size() && i < wanted.size(); ++i) {
+    if (!wanted[i]) continue;
+    slots[i] = qint32(ahead.size());
+    ahead.emplace_back();
+    ahead.back().state = stat(qsizetype(i), &ahead.back().entry) ? 1 : -1;
+  }
+  if (ahead.empty()) {
+    screenedEmpty_ = true;
+    return;
+  }
+  aheadSlot_ = std::move(slots);
+  ahead_ = std::move(ahead);
+}
+
 bool FolderReader::stat(qsizetype i, DirEntry* out) const {
+  if (!ahead_.empty() && aheadSlot_[size_t(i)] >= 0) {
+    const Ahead& a = ahead_[size_t(aheadSlot_[size_t(i)])];
+    if (a.state < 0) return false;
+    *out = a.entry;
+    return true;
+  }
   const QString& n = names_[size_t(i)];
   if (!StatAt(fd_, n, ToNative(n), vfat_, out)) return false;
   out->alias = alias(i);

@@ -40,6 +40,13 @@ class FolderReader {
   // target without the link flag).
   bool statOpened(qsizetype i, int fd, DirEntry* out) const;
 
+  // Read-ahead: stats the entries a walk will ask for now, on the reading
+  // thread, so that stat() later only copies the result. After it the
+  // folder is screened: an entry that was not wanted needs no look at all.
+  void statAhead(const std::vector<bool>& wanted);
+  bool isScreened() const { return !ahead_.empty() || screenedEmpty_; }
+  bool passedScreen(qsizetype i) const { return !ahead_.empty() && aheadSlot_[size_t(i)] >= 0; }
+
  private:
   void read();
   void readPlain();
@@ -50,6 +57,13 @@ class FolderReader {
   std::vector<QString> names_;
   std::vector<QString> aliases_;     // only on file systems with short names
   std::vector<unsigned char> types_;  // dirent d_type
+  struct Ahead {
+    DirEntry entry;
+    signed char state = 0;  // 1 statted, -1 vanished
+  };
+  std::vector<Ahead> ahead_;       // the wanted entries only
+  std::vector<qint32> aheadSlot_;  // per entry: its place in ahead_, -1 if not wanted
+  bool screenedEmpty_ = false;  // screened, nothing wanted
 };
 
 // Data of one path (following a final link; a dangling link gives its own).

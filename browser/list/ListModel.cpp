@@ -24,6 +24,9 @@ struct ListModel::Formats {
     core::LocalTime a{2001, 2, 3, 1, 2, 3, 4, 6};
     core::LocalTime b{2001, 2, 3, 13, 40, 50, 999, 6};
     dateByDay = date.format(a) == date.format(b);
+    core::LocalTime c = a;
+    c.millisecond = 500;
+    bySecond = time.format(a) == time.format(c) && date.format(a) == date.format(c);
   }
 
   void appendDate(QString* out, const core::LocalTime& t) const {
@@ -34,21 +37,37 @@ struct ListModel::Formats {
     const qint32 key = (t.year * 13 + t.month) * 32 + t.day;
     Day& d = days[size_t(key) % days.size()];
     if (d.key != key) {
-      d.text.clear();
-      date.appendTo(&d.text, t);
+      const qsizetype at = out->size();
+      date.appendTo(out, t);
+      const qsizetype n = out->size() - at;
+      if (n > qsizetype(std::size(d.text))) return;  // too long to keep
+      std::copy(out->utf16() + at, out->utf16() + at + n, d.text);
+      d.size = quint16(n);
       d.key = key;
+      return;
     }
-    out->append(d.text);
+    out->append(QStringView(d.text, d.size));
   }
 
   core::DatePattern date;
   core::DatePattern time;
   bool dateByDay = false;
-  struct Day {
-    qint32 key = -1;
+  bool bySecond = false;  // the texts show no fraction of a second
+  // The last text of each time column: files made or read together share
+  // their second, and a text costs a zone lookup and a dozen pieces.
+  struct Stamp {
+    qint64 second = -1;
     QString text;
   };
-  mutable std::array<Day, 1024> days;
+  mutable std::array<Stamp, 3> stamps;
+  // Kept in place (no string of its own to reach): dates of a listing
+  // often jump between many days.
+  struct Day {
+    qint32 key = -1;
+    quint16 size = 0;
+    char16_t text[29];
+  };
+  mutable std::array<Day, 4096> days;
 };
 
 namespace {
@@ -203,6 +222,12 @@ void ListModel::appendDataText(QString* out, RowId id, int dataIndex, bool raw) 
     case core::kSlotAccessed: {
       const qint64 t = dataIndex == core::kSlotCreated ? r.created
                        : dataIndex == core::kSlotModified ? r.modified : r.accessed;
+      Formats::Stamp& stamp = formats_->stamps[size_t(dataIndex - core::kSlotCreated) % 3];
+      const qint64 second = t > 0 ? t / platform::kTicksPerSecond : -1;
+      if (!age_ && formats_->bySecond && second >= 0 && stamp.second == second) {
+        out->append(stamp.text);
+        break;
+      }
       core::LocalTime local;
       if (t == 0 || !core::FileTimeToLocal(t, &local)) {
         out->append(QStringLiteral("(unknown)"));
@@ -212,12 +237,18 @@ void ListModel::appendDataText(QString* out, RowId id, int dataIndex, bool raw) 
         core::AppendAgeText(out, ageNow_ - double(t) / double(platform::kTicksPerSecond * 60));
         break;
       }
+      const qsizetype at = out->size();
       formats_->appendDate(out, local);
       out->append(u' ');
       formats_->time.appendTo(out, local);
+      if (formats_->bySecond && second >= 0) {
+        stamp.second = second;
+        stamp.text.resize(0);
+        stamp.text.append(QStringView(*out).mid(at));
+      }
       break;
     }
-    case core::kSlotAttr: out->append(core::AttributeString(r.attributes)); break;
+    case core::kSlotAttr: core::AppendAttributeString(out, r.attributes); break;
     case core::kSlotPath: {
       QStringView folder = rows_.folder(r.folder);
       if (relativePaths_) folder = folder.mid(RelativeStart(folder));

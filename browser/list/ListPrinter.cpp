@@ -24,8 +24,13 @@ void ListPrinter::AppendRow(const ListModel& model, RowId id, const std::vector<
                             QString* cell) {
   for (size_t i = 0; i < data.size(); ++i) {
     if (i) buffer->append(u'\t');
-    cell->clear();
-    model.appendDataText(cell, id, data[i], true);
+    // Formatted straight into the row; escaped afterwards in the rare case
+    // that the field holds something that would break the line.
+    const qsizetype at = buffer->size();
+    model.appendDataText(buffer, id, data[i], true);
+    if (!core::NeedsRowEscape(QStringView(*buffer).mid(at))) continue;
+    *cell = buffer->mid(at);
+    buffer->truncate(at);
     core::AppendRowField(buffer, *cell);
   }
   buffer->append(u'\n');

@@ -34,9 +34,22 @@ QStringView RowBuilder::ExtensionOf(QStringView name) {
 }
 
 bool RowBuilder::AskedOneByOne(QStringView extension) {
+  // Asked for every row: three ASCII letters folded into one number.
   static const char* const kOwnIcons[] = {"exe", "lnk", "ico", "icl", "cur", "ani"};
+  if (extension.size() != 3) return false;
+  quint32 key = 0;
+  for (QChar c : extension) {
+    const char16_t u = c.unicode();
+    if (u >= 0x80) {
+      // Letters that fold to ASCII (the Kelvin sign): the full comparison.
+      for (const char* e : kOwnIcons)
+        if (extension.compare(QLatin1String(e), Qt::CaseInsensitive) == 0) return true;
+      return false;
+    }
+    key = key << 8 | quint32(u >= 'A' && u <= 'Z' ? u + 32 : u);
+  }
   for (const char* e : kOwnIcons)
-    if (extension.compare(QLatin1String(e), Qt::CaseInsensitive) == 0) return true;
+    if (key == (quint32(quint8(e[0])) << 16 | quint32(quint8(e[1])) << 8 | quint32(quint8(e[2])))) return true;
   return false;
 }
 

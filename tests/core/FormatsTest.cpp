@@ -1,5 +1,7 @@
 #include <QRegularExpression>
 #include <QTest>
+#include <ctime>
+#include <thread>
 
 #include "core/AgeText.h"
 #include "core/AttributeText.h"
@@ -221,6 +223,40 @@ class FormatsTest : public QObject {
   void rowField() {
     QFETCH(QString, text);
     QTEST(RowField(text), "field");
+  }
+  // File times convert to the local time the system gives, across changes of
+  // offset and far back where zones kept odd offsets.
+  void localTimeInZones_data() {
+    QTest::addColumn<QByteArray>("zone");
+    QTest::newRow("summer time") << QByteArray("Europe/Berlin");
+    QTest::newRow("half-hour offset") << QByteArray("America/St_Johns");
+    QTest::newRow("half-hour summer time") << QByteArray("Australia/Lord_Howe");
+    QTest::newRow("offset changed in 1986") << QByteArray("Asia/Kathmandu");
+  }
+  void localTimeInZones() {
+    QFETCH(QByteArray, zone);
+    qputenv("TZ", zone);
+    tzset();
+    QStringList wrong;
+    // A fresh thread: conversions remember the zone per thread.
+    std::thread([&] {
+      auto check = [&](qint64 seconds) {
+        LocalTime got;
+        struct tm want {};
+        const time_t t = time_t(seconds);
+        if (!localtime_r(&t, &want) || !FileTimeToLocal(platform::FileTimeFromUnix(seconds, 0), &got)) return;
+        if (got.year != want.tm_year + 1900 || got.month != want.tm_mon + 1 || got.day != want.tm_mday ||
+            got.hour != want.tm_hour || got.minute != want.tm_min || got.second != want.tm_sec ||
+            got.weekday % 7 != want.tm_wday)
+          wrong.append(QString::number(seconds));
+      };
+      for (qint64 s = -2524521600; s < 2208988800; s += 3 * 86400 + 3607) check(s);  // 1890 to 2040
+      for (qint64 s = 1711670400; s < 1712016000; s += 61) check(s);                 // end of March 2024
+      for (qint64 s = 1729987200; s < 1730332800; s += 61) check(s);                 // end of October 2024
+    }).join();
+    qputenv("TZ", "UTC");
+    tzset();
+    QVERIFY2(wrong.isEmpty(), qPrintable(wrong.mid(0, 5).join(u' ')));
   }
 };
 

@@ -1,4 +1,5 @@
 #include <QDir>
+#include <functional>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -171,43 +172,74 @@ class TestFindJob : public QObject {
     QVERIFY(!r.rows.contains(QStringLiteral("link/d.txt")));
   }
 
-  // Content workers publish in the walk's order: rows, statuses and counters
-  // are those of the walk alone, and Escape shows nothing found after it.
+  // Folder readers and content workers hand over in the walk's order: rows,
+  // statuses and counters are those of the walk alone, and Escape shows
+  // nothing found after it.
   void threadsGiveTheSameFind_data() {
-    QTest::addColumn<bool>("textOnly");
+    QTest::addColumn<QString>("kind");
     QTest::addColumn<int>("threads");
-    for (bool textOnly : {true, false})
-      for (int threads : {2, 8}) QTest::addRow("%s, %d threads", textOnly ? "text only" : "with size", threads) << textOnly << threads;
+    for (const char* kind : {"names", "every entry", "text only", "with size"})
+      for (int threads : {1, 2, 8}) QTest::addRow("%s, %d threads", kind, threads) << QString::fromLatin1(kind) << threads;
   }
   void threadsGiveTheSameFind() {
-    QFETCH(bool, textOnly);
+    QFETCH(QString, kind);
     QFETCH(int, threads);
+    const bool text = kind == u"text only" || kind == u"with size";
     const QString many = dir_.path() + QStringLiteral("/threads/");
-    if (!QFileInfo::exists(many))
+    if (!QFileInfo::exists(many)) {
       for (int i = 0; i < 400; ++i)
         QVERIFY(testsupport::MakeFile(many + QStringLiteral("f%1/n%2.txt").arg(i % 7).arg(i),
                                       i % 3 ? QByteArray(40000 + i, 'x') + "needle" : QByteArray("hay")));
+      // A deeper tree for the folder readers: 6 x 5 x 4 folders, one excluded branch.
+      for (int i = 0; i < 120; ++i)
+        for (const char* name : {"a.txt", "b.doc"})
+          QVERIFY(testsupport::MakeFile(many + QStringLiteral("t/d%1/e%2/g%3/").arg(i / 20).arg(i / 4 % 5).arg(i % 4) +
+                                            QString::fromLatin1(name), "x"));
+    }
+    const QString location = text ? many : many + QStringLiteral("t/");
     auto run = [&](int n, int abortAfter) {
-      find::FindCriteria c = Criteria({QStringLiteral("*.*")}, true, {many});
-      c.textOn = true;
+      find::FindCriteria c = Criteria({kind == u"names" ? QStringLiteral("*.TXT") : QStringLiteral("*.*")}, true, {location});
+      c.excludeOn = !text;
+      c.excludes = {QStringLiteral("/d3/e1/")};
+      c.textOn = text;
       c.text = "NEEDLE";
       find::SetTextCompare(&c, false);
       c.search.SetText(c.text);
-      c.sizeOn = !textOnly;
+      c.sizeOn = kind == u"with size";
       c.threads = n;
       Recorder r;
-      r.base = many;
+      r.base = location;
       r.abortAfter = abortAfter;
       core::JobFlags::ClearAbort();
       find::FindJob::Run(c, r, false);
       r.statuses.removeLast();  // the summary holds the time
       return std::make_tuple(r.rows, r.statuses, c.nameHits, c.foldersScanned);
     };
-    const auto alone = run(1, -1);
-    QCOMPARE(std::get<0>(alone).size(), 266);
-    QVERIFY(run(threads, -1) == alone);
+    // The walk's order from the file system's own listing order.
+    QStringList expected;
+    std::function<void(const QString&)> walk = [&](const QString& rel) {
+      const QStringList names = QDir(location + rel).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot, QDir::Unsorted);
+      for (const QString& name : names) {
+        const bool folder = QFileInfo(location + rel + name).isDir();
+        if (kind == u"every entry" || name.endsWith(u".txt")) expected.append(rel + name);
+        if (folder && kind == u"every entry" && !(rel + name + u'/').contains(u"d3/e1/")) walk(rel + name + u'/');
+      }
+      if (kind == u"names")
+        for (const QString& name : names)
+          if (QFileInfo(location + rel + name).isDir() && !(rel + name + u'/').contains(u"d3/e1/")) walk(rel + name + u'/');
+    };
+    const auto alone = text ? run(1, -1) : decltype(run(1, -1))();
+    const auto full = run(threads, -1);
+    if (text) {
+      QCOMPARE(std::get<0>(alone).size(), 266);
+      QVERIFY(full == alone);
+    } else {
+      walk(QString());
+      QCOMPARE(std::get<0>(full), expected);
+      QCOMPARE(std::get<3>(full), 1 + 6 + 29 + 116);  // d3/e1 and its four left out
+    }
     const auto stopped = run(threads, 5);
-    QCOMPARE(std::get<0>(stopped), std::get<0>(alone).mid(0, 5));
+    QCOMPARE(std::get<0>(stopped), std::get<0>(full).mid(0, 5));
     QCOMPARE(std::get<1>(stopped).last().first, int(find::kStatusAborted));
   }
 
@@ -336,16 +368,28 @@ class TestFindJob : public QObject {
     QCOMPARE(r.statuses.last().first, int(find::kStatusFindEnd));
   }
 
-  // The read-ahead serves folders in walk order and gives up, without harm,
-  // when the walk asks for another one.
+  // The read-ahead serves folders in walk order, with the matching entries
+  // looked up, and gives up, without harm, when the walk asks for another one.
+  void readAhead_data() {
+    QTest::addColumn<int>("readers");
+    QTest::newRow("one reader") << 1;
+    QTest::newRow("four readers") << 4;
+  }
   void readAhead() {
-    find::FolderPrefetcher ahead(root_, true, {QStringLiteral("/two/")});
+    QFETCH(int, readers);
+    const std::vector<platform::WildcardPattern> screen{platform::WildcardPattern(u"*.TXT")};
+    find::FolderPrefetcher ahead(root_, true, {QStringLiteral("/two/")}, readers, &screen);
     const auto first = ahead.take(root_);
     QVERIFY(first && first->isOpen());
-    QStringList walkOrder;
-    for (qsizetype i = 0; i < first->count(); ++i)
+    QVERIFY(first->isScreened());
+    QStringList walkOrder, screened;
+    for (qsizetype i = 0; i < first->count(); ++i) {
+      if (first->passedScreen(i)) screened.append(first->name(i));
       if (first->isWalkableFolder(i) && first->name(i) != u"." && first->name(i) != u".." && first->name(i) != u"two")
         walkOrder.append(first->name(i));
+    }
+    screened.sort();
+    QCOMPARE(screened, (QStringList{"a.txt", "b.txt"}));
     const auto second = ahead.take(root_ + walkOrder.first() + u'/');
     QVERIFY(second && second->isOpen());
     QVERIFY(!ahead.take(root_ + QStringLiteral("not-next/")));
