@@ -1,6 +1,8 @@
 #include "fileops/Trash.h"
 
+#include <QDir>
 #include <QFile>
+#include <QStandardPaths>
 
 #include "platform/FileCopier.h"
 #include "platform/SafeRename.h"
@@ -12,6 +14,10 @@ bool Trash::MoveToTrash(const QString& path, QString* error) {
     *error = platform::ErrorText(ENOENT);
     return false;
   }
+  // The home trash is made when first needed; the trash call itself does not
+  // make a missing data folder and then files the entry beside it instead.
+  const QString dataHome = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
+  if (!dataHome.isEmpty()) QDir().mkpath(dataHome + QStringLiteral("/Trash"));
   QFile file(path);
   if (file.moveToTrash()) return true;
   *error = file.errorString().isEmpty() ? QStringLiteral("There is no trash on this drive.") : file.errorString();

@@ -375,8 +375,7 @@ class TestFileOperation : public QObject {
 
   void trash() {
     QTemporaryDir dir;
-    qputenv("XDG_DATA_HOME", (dir.path() + "/data").toUtf8());
-    QDir().mkpath(dir.path() + "/data");
+    qputenv("XDG_DATA_HOME", (dir.path() + "/data").toUtf8());  // not there yet
     const QString file = dir.path() + "/gone.txt";
     QVERIFY(Write(file, "keep me"));
     QString error;
