@@ -34,17 +34,6 @@ int OpenRegular(const QString& path, qint64* length, QString* error) {
   return fd;
 }
 
-qsizetype ReadAt(int fd, char* buffer, qsizetype size, qint64 offset) {
-  qsizetype done = 0;
-  while (done < size) {
-    const ssize_t r = pread(fd, buffer + done, size_t(size - done), off_t(offset + done));
-    if (r < 0 && errno == EINTR) continue;
-    if (r <= 0) break;
-    done += r;
-  }
-  return done;
-}
-
 // Windows-1252's characters for 128-159; the rest of 160-255 is Latin-1.
 constexpr std::array<char16_t, 32> kCp1252High = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
@@ -71,7 +60,7 @@ FileKind ClassifyFile(const QString& path, qint64* length, QString* error) {
   if (fd < 0) return kKindUnreadable;
   const qsizetype sample = qsizetype(std::min<qint64>(size, 1024));
   char buffer[1024];
-  const qsizetype got = sample ? ReadAt(fd, buffer, sample, 0) : 0;
+  const qsizetype got = sample ? qsizetype(ReadFully(fd, buffer, sample, 0)) : 0;
   close(fd);
   // A file that shrank since its length was taken shows what is left.
   if (got == 0) return kKindEmpty;
