@@ -8,6 +8,7 @@
 #include <sys/vfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstring>
@@ -202,7 +203,10 @@ void FolderReader::statAhead(const std::vector<bool>& wanted) {
   if (fd_ < 0) return;
   std::vector<qint32> slots(names_.size(), -1);
   std::vector<Ahead> ahead;
-  for (size_t i = 0; i < names_.size() && i < wanted.size(); ++i) {
+  // Room for all at once: moving entries on regrowth cost more than the stats.
+  const size_t limit = std::min(names_.size(), wanted.size());
+  ahead.reserve(size_t(std::count(wanted.begin(), wanted.begin() + qsizetype(limit), true)));
+  for (size_t i = 0; i < limit; ++i) {
     if (!wanted[i]) continue;
     slots[i] = qint32(ahead.size());
     ahead.emplace_back();
