@@ -59,7 +59,55 @@ bool Escaped(QStringView text, qsizetype i) {
          (c >= 0xDC80 && c <= 0xDCFF && (i == 0 || !QChar::isHighSurrogate(text[i - 1].unicode())));
 }
 
+#if defined(__SSE2__)
+qsizetype SumLanes(__m128i lanes) {
+  alignas(16) quint16 v[8];
+  _mm_store_si128(reinterpret_cast<__m128i*>(v), lanes);
+  return qsizetype(v[0]) + v[1] + v[2] + v[3] + v[4] + v[5] + v[6] + v[7];
+}
+#endif
+
 }  // namespace
+
+bool RowFieldsPlain(QStringView row, qsizetype separators) {
+  const char16_t* u = reinterpret_cast<const char16_t*>(row.utf16());
+  const qsizetype n = row.size();
+  qsizetype i = 0;
+  qsizetype tabs = 0;
+#if defined(__SSE2__)
+  const __m128i controlsTop = _mm_set1_epi16(0x1F);
+  const __m128i backslash = _mm_set1_epi16(0x5C);
+  const __m128i del = _mm_set1_epi16(0x7F);
+  const __m128i tab = _mm_set1_epi16(0x09);
+  const __m128i escapeBase = _mm_set1_epi16(short(0xDC80));
+  const __m128i zero = _mm_setzero_si128();
+  // Tabs are counted per lane (a tab's lane is -1) and summed every 65535
+  // blocks, before a lane could overflow.
+  __m128i tabLanes = zero;
+  for (; i + 8 <= n; i += 8) {
+    if (((i >> 3) & 0xFFFF) == 0xFFFF) {
+      tabs += SumLanes(tabLanes);
+      tabLanes = zero;
+    }
+    const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(u + i));
+    const __m128i isTab = _mm_cmpeq_epi16(c, tab);
+    // As in MayNeedEscape, with the tabs counted apart.
+    __m128i hit = _mm_andnot_si128(isTab, _mm_cmpeq_epi16(_mm_subs_epu16(c, controlsTop), zero));
+    hit = _mm_or_si128(hit, _mm_cmpeq_epi16(c, backslash));
+    hit = _mm_or_si128(hit, _mm_cmpeq_epi16(c, del));
+    hit = _mm_or_si128(hit, _mm_cmpeq_epi16(_mm_subs_epu16(_mm_sub_epi16(c, escapeBase), del), zero));
+    if (_mm_movemask_epi8(hit)) return false;
+    tabLanes = _mm_sub_epi16(tabLanes, isTab);
+  }
+  tabs += SumLanes(tabLanes);
+#endif
+  for (; i < n; ++i) {
+    const char16_t c = u[i];
+    if (c == u'\t') ++tabs;
+    else if (c < 0x20 || c == u'\\' || c == 0x7F || (c >= 0xDC80 && c <= 0xDCFF)) return false;
+  }
+  return tabs == separators;
+}
 
 bool NeedsRowEscape(QStringView text) {
   if (!MayNeedEscape(text)) return false;

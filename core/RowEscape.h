@@ -13,6 +13,10 @@ void AppendRowField(QString* out, QStringView text);
 QString RowField(QStringView text);
 // Whether AppendRowField would change the text.
 bool NeedsRowEscape(QStringView text);
+// Whether a row of fields joined by `separators` tabs is already as
+// AppendRowField would write it field by field: one look at the whole row.
+// False may also mean that a closer look is needed.
+bool RowFieldsPlain(QStringView row, qsizetype separators);
 
 // The inverse: the exact text back from a field; false for an escape that
 // RowField never writes (the field is then not ours or was damaged).

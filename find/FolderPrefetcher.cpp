@@ -58,8 +58,11 @@ bool FolderPrefetcher::excluded(const QString& path) const {
 }
 
 void FolderPrefetcher::read(Node& node) {
-  auto reader = node.parent ? std::make_shared<platform::FolderReader>(*node.parent, node.index)
-                            : std::make_shared<platform::FolderReader>(node.path);
+  // Names that match no pattern and cannot be folders stay unconverted: the
+  // walk skips them unread.
+  const std::vector<platform::WildcardPattern>* keep = screening_ ? &screen_ : nullptr;
+  auto reader = node.parent ? std::make_shared<platform::FolderReader>(*node.parent, node.index, keep)
+                            : std::make_shared<platform::FolderReader>(node.path, keep);
   const platform::FolderReader& r = *reader;
   if (r.isOpen()) {
     if (screening_) {

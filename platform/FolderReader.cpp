@@ -8,6 +8,7 @@
 #include <sys/vfs.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <atomic>
 #include <cstdio>
 #include <cstring>
@@ -99,34 +100,40 @@ bool FatMounted() {
 
 }  // namespace
 
-FolderReader::FolderReader(const QString& folder) {
+FolderReader::FolderReader(const QString& folder, const std::vector<WildcardPattern>* keep) {
   const QByteArray native = ToNative(folder.isEmpty() ? QStringLiteral(".") : folder);
   fd_ = open(native.constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-  read();
+  read(keep);
 }
 
-FolderReader::FolderReader(const FolderReader& parent, qsizetype index) {
+FolderReader::FolderReader(const FolderReader& parent, qsizetype index, const std::vector<WildcardPattern>* keep) {
   if (!parent.isOpen()) return;
   const QByteArray native = ToNative(parent.name(index));
   fd_ = openat(parent.fd_, native.constData(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
-  read();
+  read(keep);
 }
 
 FolderReader::~FolderReader() {
   if (fd_ >= 0) close(fd_);
 }
 
-void FolderReader::read() {
+void FolderReader::read(const std::vector<WildcardPattern>* keep) {
   if (fd_ < 0) return;
   struct statfs fs {};
   vfat_ = FatMounted() && fstatfs(fd_, &fs) == 0 && fs.f_type == MSDOS_SUPER_MAGIC;
   if (vfat_) readVfat();
-  if (!vfat_) readPlain();
+  if (!vfat_) readPlain(keep);
 }
 
 // getdents64 straight on the folder's descriptor: a directory stream would
 // cost a dup, its fcntl and fstat calls and a close for every folder.
-void FolderReader::readPlain() {
+void FolderReader::readPlain(const std::vector<WildcardPattern>* keep) {
+  if (keep) {
+    for (const WildcardPattern& p : *keep)
+      if (p.matchesEverything()) keep = nullptr;
+    if (keep && keep->empty()) keep = nullptr;
+  }
+  char16_t wide[256];  // NAME_MAX bytes of ASCII
   alignas(struct dirent64) char buffer[32768];
   for (;;) {
     const ssize_t n = getdents64(fd_, buffer, sizeof buffer);
@@ -138,9 +145,27 @@ void FolderReader::readPlain() {
     types_.reserve(types_.size() + batch);
     for (ssize_t at = 0; at < n;) {
       const auto* d = reinterpret_cast<const struct dirent64*>(buffer + at);
-      names_.push_back(FromNative(d->d_name, qsizetype(strlen(d->d_name))));
+      const qsizetype length = qsizetype(strlen(d->d_name));
       types_.push_back(d->d_type);
       at += d->d_reclen;
+      if (keep && d->d_type != DT_DIR && d->d_type != DT_UNKNOWN && length <= qsizetype(std::size(wide))) {
+        // ASCII names are tested in place: no string for one that is left out.
+        qsizetype k = 0;
+        while (k < length && static_cast<unsigned char>(d->d_name[k]) < 0x80) {
+          wide[k] = char16_t(static_cast<unsigned char>(d->d_name[k]));
+          ++k;
+        }
+        if (k == length) {
+          const QStringView view(wide, length);
+          bool wanted = false;
+          for (const WildcardPattern& p : *keep)
+            if ((wanted = p.matches(view))) break;
+          if (wanted) names_.push_back(view.toString());
+          else names_.emplace_back();
+          continue;
+        }
+      }
+      names_.push_back(FromNative(d->d_name, length));
     }
   }
 }
@@ -202,7 +227,10 @@ void FolderReader::statAhead(const std::vector<bool>& wanted) {
   if (fd_ < 0) return;
   std::vector<qint32> slots(names_.size(), -1);
   std::vector<Ahead> ahead;
-  for (size_t i = 0; i < names_.size() && i < wanted.size(); ++i) {
+  // Room for all at once: moving entries on regrowth cost more than the stats.
+  const size_t limit = std::min(names_.size(), wanted.size());
+  ahead.reserve(size_t(std::count(wanted.begin(), wanted.begin() + qsizetype(limit), true)));
+  for (size_t i = 0; i < limit; ++i) {
     if (!wanted[i]) continue;
     slots[i] = qint32(ahead.size());
     ahead.emplace_back();

@@ -3,6 +3,7 @@
 #include <vector>
 
 #include "platform/DirEntry.h"
+#include "platform/WildcardPattern.h"
 
 namespace platform {
 
@@ -11,10 +12,14 @@ namespace platform {
 // open folder, so that callers stat only the names they need.
 class FolderReader {
  public:
-  explicit FolderReader(const QString& folder);
+  // With `keep`, only the names that match one of its patterns, and those of
+  // entries that may be folders, are made into text; the others read as
+  // empty names, which walks skip like "." and "..". For name finds, where
+  // most names are never looked at again.
+  explicit FolderReader(const QString& folder, const std::vector<WildcardPattern>* keep = nullptr);
   // Opens the subfolder at entry `index` of an open folder relative to it: no
   // path walk from the root, and never through a symbolic link.
-  FolderReader(const FolderReader& parent, qsizetype index);
+  FolderReader(const FolderReader& parent, qsizetype index, const std::vector<WildcardPattern>* keep = nullptr);
   ~FolderReader();
   FolderReader(const FolderReader&) = delete;
   FolderReader& operator=(const FolderReader&) = delete;
@@ -48,8 +53,8 @@ class FolderReader {
   bool passedScreen(qsizetype i) const { return !ahead_.empty() && aheadSlot_[size_t(i)] >= 0; }
 
  private:
-  void read();
-  void readPlain();
+  void read(const std::vector<WildcardPattern>* keep);
+  void readPlain(const std::vector<WildcardPattern>* keep);
   void readVfat();
 
   int fd_ = -1;

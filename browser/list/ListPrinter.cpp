@@ -22,6 +22,18 @@ void ListPrinter::AppendHeader(const ListModel& model, QString* buffer) {
 
 void ListPrinter::AppendRow(const ListModel& model, RowId id, const std::vector<int>& data, QString* buffer,
                             QString* cell) {
+  // Formatted straight into the row and looked at once as a whole: almost
+  // no row needs an escape. One that may is formatted again field by field.
+  const qsizetype start = buffer->size();
+  for (size_t i = 0; i < data.size(); ++i) {
+    if (i) buffer->append(u'\t');
+    model.appendDataText(buffer, id, data[i], true);
+  }
+  if (core::RowFieldsPlain(QStringView(*buffer).mid(start), qsizetype(data.size()) - 1)) {
+    buffer->append(u'\n');
+    return;
+  }
+  buffer->truncate(start);
   for (size_t i = 0; i < data.size(); ++i) {
     if (i) buffer->append(u'\t');
     // Formatted straight into the row; escaped afterwards in the rare case

@@ -223,6 +223,12 @@ class FormatsTest : public QObject {
   void rowField() {
     QFETCH(QString, text);
     QTEST(RowField(text), "field");
+    // The whole-row look never calls a row plain that a field escape would change.
+    QFETCH(QString, field);
+    const QString row = "a\t" + text + "\t" + text + QString(9, u'x');
+    if (RowFieldsPlain(row, 2)) QCOMPARE(field, text);
+    if (field == text && text.size() > 8) QVERIFY(RowFieldsPlain(row, 2));
+    QVERIFY(!RowFieldsPlain(row, 1));
   }
   // File times convert to the local time the system gives, across changes of
   // offset and far back where zones kept odd offsets.

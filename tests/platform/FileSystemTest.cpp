@@ -122,6 +122,30 @@ class FileSystemTest : public QObject {
     }
   }
 
+  // A reader that keeps only some names: the same entries in the same order,
+  // a name left empty only where it matches nothing and cannot be a folder.
+  void keepsMatchingNamesAndFolders() {
+    const QString folder = dir_.filePath(QStringLiteral("keep/"));
+    for (const char* n : {"a.txt", "B.TXT", "c.doc", "sub.txt.d/x", "plain/y", "\xC3\xA9t\xC3\xA9.doc"})
+      testsupport::MakeFile(folder + QString::fromUtf8(n), "x");
+    const FolderReader full(folder);
+    for (const char* pattern : {"*.txt", "*", "zz"}) {
+      const std::vector<WildcardPattern> keep{WildcardPattern(QString::fromLatin1(pattern))};
+      const FolderReader some(folder, &keep);
+      QCOMPARE(some.count(), full.count());
+      QStringList left;
+      for (qsizetype i = 0; i < full.count(); ++i) {
+        if (some.name(i).isEmpty()) left << full.name(i);
+        else QCOMPARE(some.name(i), full.name(i));
+      }
+      left.sort();
+      const QStringList expected = pattern == QByteArray("*") ? QStringList()
+                                   : pattern == QByteArray("zz") ? QStringList{"B.TXT", "a.txt", "c.doc"}
+                                                                 : QStringList{"c.doc"};
+      QCOMPARE(left, expected);
+    }
+  }
+
   void invalidUtf8NameReachesItsFile() {
     const QByteArray folder = ToNative(dir_.filePath(QStringLiteral("bytes/")));
     testsupport::MakeFolder(FromNative(folder));
