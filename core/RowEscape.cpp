@@ -23,40 +23,43 @@ int HexDigit(QChar c) {
   return -1;
 }
 
-// True when some unit may need an escape (a control character, a backslash
-// or an escaped byte). Almost no field has one, and this runs for every row
-// of a walk over many files, so it looks at eight units at a time.
+// A unit that may need an escape: a control character, a backslash, delete
+// or an escaped byte (whether an escaped byte really is one depends on the
+// unit before it).
+inline bool MayEscapeUnit(char16_t c) { return c < 0x20 || c == u'\\' || c == 0x7F || (c >= 0xDC80 && c <= 0xDCFF); }
+
+#if defined(__SSE2__)
+// MayEscapeUnit for eight units at once: a lane of all ones for each hit.
+inline __m128i MayEscapeLanes(__m128i c) {
+  const __m128i del = _mm_set1_epi16(0x7F);
+  const __m128i zero = _mm_setzero_si128();
+  // Unsigned c <= 0x1F and (c - 0xDC80) <= 0x7F through saturating subtraction.
+  __m128i hit = _mm_cmpeq_epi16(_mm_subs_epu16(c, _mm_set1_epi16(0x1F)), zero);
+  hit = _mm_or_si128(hit, _mm_cmpeq_epi16(c, _mm_set1_epi16(0x5C)));
+  hit = _mm_or_si128(hit, _mm_cmpeq_epi16(c, del));
+  return _mm_or_si128(hit, _mm_cmpeq_epi16(_mm_subs_epu16(_mm_sub_epi16(c, _mm_set1_epi16(short(0xDC80))), del), zero));
+}
+#endif
+
+// True when some unit may need an escape. Almost no field has one, and this
+// runs for every row of a walk over many files, so it looks at eight units
+// at a time.
 bool MayNeedEscape(QStringView text) {
   const char16_t* u = reinterpret_cast<const char16_t*>(text.utf16());
   const qsizetype n = text.size();
   qsizetype i = 0;
 #if defined(__SSE2__)
-  const __m128i controlsTop = _mm_set1_epi16(0x1F);
-  const __m128i backslash = _mm_set1_epi16(0x5C);
-  const __m128i del = _mm_set1_epi16(0x7F);
-  const __m128i escapeBase = _mm_set1_epi16(short(0xDC80));
-  const __m128i zero = _mm_setzero_si128();
-  for (; i + 8 <= n; i += 8) {
-    const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(u + i));
-    // Unsigned c <= 0x1F and (c - 0xDC80) <= 0x7F through saturating subtraction.
-    __m128i hit = _mm_cmpeq_epi16(_mm_subs_epu16(c, controlsTop), zero);
-    hit = _mm_or_si128(hit, _mm_cmpeq_epi16(c, backslash));
-    hit = _mm_or_si128(hit, _mm_cmpeq_epi16(c, del));
-    hit = _mm_or_si128(hit, _mm_cmpeq_epi16(_mm_subs_epu16(_mm_sub_epi16(c, escapeBase), del), zero));
-    if (_mm_movemask_epi8(hit)) return true;
-  }
+  for (; i + 8 <= n; i += 8)
+    if (_mm_movemask_epi8(MayEscapeLanes(_mm_loadu_si128(reinterpret_cast<const __m128i*>(u + i))))) return true;
 #endif
-  for (; i < n; ++i) {
-    const char16_t c = u[i];
-    if (c < 0x20 || c == u'\\' || c == 0x7F || (c >= 0xDC80 && c <= 0xDCFF)) return true;
-  }
+  for (; i < n; ++i)
+    if (MayEscapeUnit(u[i])) return true;
   return false;
 }
 
 bool Escaped(QStringView text, qsizetype i) {
   const char16_t c = text[i].unicode();
-  return c < 0x20 || c == u'\\' || c == 0x7F ||
-         (c >= 0xDC80 && c <= 0xDCFF && (i == 0 || !QChar::isHighSurrogate(text[i - 1].unicode())));
+  return MayEscapeUnit(c) && (c < 0xDC80 || i == 0 || !QChar::isHighSurrogate(text[i - 1].unicode()));
 }
 
 #if defined(__SSE2__)
@@ -75,11 +78,7 @@ bool RowFieldsPlain(QStringView row, qsizetype separators) {
   qsizetype i = 0;
   qsizetype tabs = 0;
 #if defined(__SSE2__)
-  const __m128i controlsTop = _mm_set1_epi16(0x1F);
-  const __m128i backslash = _mm_set1_epi16(0x5C);
-  const __m128i del = _mm_set1_epi16(0x7F);
   const __m128i tab = _mm_set1_epi16(0x09);
-  const __m128i escapeBase = _mm_set1_epi16(short(0xDC80));
   const __m128i zero = _mm_setzero_si128();
   // Tabs are counted per lane (a tab's lane is -1) and summed every 65535
   // blocks, before a lane could overflow.
@@ -91,12 +90,8 @@ bool RowFieldsPlain(QStringView row, qsizetype separators) {
     }
     const __m128i c = _mm_loadu_si128(reinterpret_cast<const __m128i*>(u + i));
     const __m128i isTab = _mm_cmpeq_epi16(c, tab);
-    // As in MayNeedEscape, with the tabs counted apart.
-    __m128i hit = _mm_andnot_si128(isTab, _mm_cmpeq_epi16(_mm_subs_epu16(c, controlsTop), zero));
-    hit = _mm_or_si128(hit, _mm_cmpeq_epi16(c, backslash));
-    hit = _mm_or_si128(hit, _mm_cmpeq_epi16(c, del));
-    hit = _mm_or_si128(hit, _mm_cmpeq_epi16(_mm_subs_epu16(_mm_sub_epi16(c, escapeBase), del), zero));
-    if (_mm_movemask_epi8(hit)) return false;
+    // Tabs are counted apart; anything else that may need an escape ends the look.
+    if (_mm_movemask_epi8(_mm_andnot_si128(isTab, MayEscapeLanes(c)))) return false;
     tabLanes = _mm_sub_epi16(tabLanes, isTab);
   }
   tabs += SumLanes(tabLanes);
@@ -104,7 +99,7 @@ bool RowFieldsPlain(QStringView row, qsizetype separators) {
   for (; i < n; ++i) {
     const char16_t c = u[i];
     if (c == u'\t') ++tabs;
-    else if (c < 0x20 || c == u'\\' || c == 0x7F || (c >= 0xDC80 && c <= 0xDCFF)) return false;
+    else if (MayEscapeUnit(c)) return false;
   }
   return tabs == separators;
 }

@@ -60,14 +60,7 @@ void FileViewDocument::clear() {
 }
 
 qsizetype FileViewDocument::readAt(char* buffer, qsizetype size, qint64 offset) const {
-  qsizetype done = 0;
-  while (fd_ >= 0 && done < size) {
-    const ssize_t r = pread(fd_, buffer + done, size_t(size - done), off_t(offset + done));
-    if (r < 0 && errno == EINTR) continue;
-    if (r <= 0) break;
-    done += r;
-  }
-  return done;
+  return fd_ >= 0 ? qsizetype(ReadFully(fd_, buffer, size, offset)) : 0;
 }
 
 FileKind FileViewDocument::load(const QString& path, const Options& options, const Progress& progress) {
