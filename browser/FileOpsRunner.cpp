@@ -183,7 +183,7 @@ bool FileOpsRunner::Transfer(const QStringList& sources, const QString& target, 
     failures = dialog.failures();
   }
   window_->statusLine()->ShowStatus(result.status(move));
-  Refresh(into == folder() ? result.topTargets.value(0) : QString());
+  Refresh(into == folder() ? result.firstTarget : QString());
   window_->statusLine()->ShowStatus(result.status(move));
   ShowFailures(window_, title, failures);
   return true;

@@ -14,6 +14,7 @@ ArgParser& ArgParser::option(const QString& name) {
 
 bool ArgParser::parse(const QStringList& args) {
   bool onlyPositional = false;
+  positional_.reserve(positional_.size() + args.size());
   for (qsizetype i = 0; i < args.size(); ++i) {
     const QString& a = args[i];
     if (onlyPositional || !a.startsWith(QStringLiteral("--")) || a == QStringLiteral("-")) {

@@ -9,21 +9,23 @@ namespace cli {
 
 namespace {
 
-// Global options that come before the command: "--ini FILE".
-QStringList StripGlobals(const QStringList& args, QString* ini, QString* error) {
-  QStringList rest = args;
-  while (!rest.isEmpty() && rest.first().startsWith(QStringLiteral("--ini"))) {
-    const QString a = rest.takeFirst();
+// Global options that come before the command: "--ini FILE". Returns the
+// index of the first argument after them; the list is not copied, as a
+// selection may name tens of thousands of files.
+qsizetype SkipGlobals(const QStringList& args, QString* ini, QString* error) {
+  qsizetype i = 0;
+  while (i < args.size() && args[i].startsWith(QStringLiteral("--ini"))) {
+    const QString& a = args[i++];
     if (a.startsWith(QStringLiteral("--ini="))) {
       *ini = a.mid(6);
-    } else if (a == QStringLiteral("--ini") && !rest.isEmpty()) {
-      *ini = rest.takeFirst();
+    } else if (a == QStringLiteral("--ini") && i < args.size()) {
+      *ini = args[i++];
     } else {
       *error = QStringLiteral("option --ini needs a value");
       break;
     }
   }
-  return rest;
+  return i;
 }
 
 void PrintHelp(QTextStream& out) {
@@ -47,14 +49,23 @@ void PrintHelp(QTextStream& out) {
 
 bool IsCliInvocation(const QStringList& args) {
   QString ini, error;
-  const QStringList rest = StripGlobals(args, &ini, &error);
+  const qsizetype start = SkipGlobals(args, &ini, &error);
   if (!error.isEmpty()) return true;
-  if (rest.isEmpty()) return false;
-  const QString& first = rest.first();
+  if (start == args.size()) return false;
+  const QString& first = args[start];
   if (first == QStringLiteral("--screenshot") || first == QStringLiteral("--open") || first.startsWith(QStringLiteral("--open=")))
     return false;
   return !first.startsWith(QStringLiteral("--")) || first == QStringLiteral("--help") ||
          first == QStringLiteral("-h") || first == QStringLiteral("--version") || first.startsWith(u'-');
+}
+
+bool NeedsFullProgram(const QStringList& args) {
+  QString ini, error;
+  const qsizetype start = SkipGlobals(args, &ini, &error);
+  if (!error.isEmpty() || start == args.size()) return false;
+  for (const Command& c : AllCommands())
+    if (args[start] == QLatin1String(c.name)) return RunnerOf(c) == nullptr;
+  return false;
 }
 
 int RunCli(const QStringList& args) {
@@ -64,7 +75,7 @@ int RunCli(const QStringList& args) {
   err.setEncoding(QStringConverter::Utf8);
 
   QString ini, error;
-  QStringList rest = StripGlobals(args, &ini, &error);
+  QStringList rest = args.mid(SkipGlobals(args, &ini, &error));
   if (!error.isEmpty()) {
     err << "quorvane: " << error << '\n';
     return kExitUsage;
@@ -81,8 +92,13 @@ int RunCli(const QStringList& args) {
   const QString name = rest.takeFirst();
   for (const Command& c : AllCommands()) {
     if (name == QLatin1String(c.name)) {
+      const CommandRunner run = RunnerOf(c);
+      if (!run) {
+        err << "quorvane: the command '" << name << "' is not part of this program\n";
+        return kExitUsage;
+      }
       CliContext ctx{rest, out, err, ini};
-      const int status = c.run(ctx);
+      const int status = run(ctx);
       out.flush();
       err.flush();
       return status;

@@ -7,6 +7,10 @@ namespace cli {
 // or --version) rather than the window.
 bool IsCliInvocation(const QStringList& args);
 
+// True when the arguments name a command that this program has no runner
+// for: the lean front end hands such a run to the full program.
+bool NeedsFullProgram(const QStringList& args);
+
 // Runs `quorvane [--ini FILE] COMMAND ...` (args without the program name)
 // and returns the exit status.
 int RunCli(const QStringList& args);

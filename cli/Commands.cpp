@@ -1,5 +1,7 @@
 #include "cli/Commands.h"
 
+#include <cstring>
+#include <vector>
 
 #include "cli/FileOpsCommand.h"
 #include "cli/FindCommand.h"
@@ -10,10 +12,8 @@ namespace cli {
 int RunSettingsCommand(CliContext& ctx);
 int RunViewCommand(CliContext& ctx);
 int RunVersionCommand(CliContext& ctx);
-int RunMediaCommand(CliContext& ctx);
 int RunReportCommand(CliContext& ctx);
 int RunRenameCommand(CliContext& ctx);
-int RunImageCommand(CliContext& ctx);
 
 // Each command lives in its own file and is listed here.
 
@@ -45,11 +45,11 @@ std::span<const Command> AllCommands() {
       {"media", "[--play] [--from FRACTION] [--windows-dir FOLDER] FILE",
        "the format and length of a sound, MIDI or video file; --play plays it to the end (position on standard "
        "error)",
-       RunMediaCommand},
+       nullptr},
       {"image", "[--fit WxH] [--zoom] [--decode] FILE|FOLDER...",
        "the facts and size line of pictures as the Preview tab shows them (a folder: its pictures); --fit gives "
        "the area the picture is fitted to, --zoom enlarges small ones, --decode decodes each one to be sure",
-       RunImageCommand},
+       nullptr},
       {"copy", "[--dry-run] [--on-conflict skip|rename|overwrite] SOURCE... FOLDER",
        "copy files and folders into a folder (one row per item; summary on standard error)", RunCopyCommand},
       {"move", "[--dry-run] [--on-conflict skip|rename|overwrite] SOURCE... FOLDER",
@@ -72,6 +72,29 @@ std::span<const Command> AllCommands() {
        RunRenameCommand},
   };
   return commands;
+}
+
+namespace {
+
+struct Attached {
+  const char* name;
+  CommandRunner run;
+};
+
+std::vector<Attached>& AttachedRunners() {
+  static std::vector<Attached> runners;
+  return runners;
+}
+
+}  // namespace
+
+void AttachCommand(const char* name, CommandRunner run) { AttachedRunners().push_back({name, run}); }
+
+CommandRunner RunnerOf(const Command& command) {
+  if (command.run) return command.run;
+  for (const Attached& a : AttachedRunners())
+    if (std::strcmp(a.name, command.name) == 0) return a.run;
+  return nullptr;
 }
 
 }  // namespace cli

@@ -91,12 +91,30 @@ bool Policy(const ArgParser& p, ConflictPolicy* policy, QString* error) {
   return true;
 }
 
+// Whether cleaning would leave the path as it is: absolute, no empty, "." or
+// ".." part, no trailing separator. What a shell expands mostly is.
+bool CleanAbsolute(QStringView path) {
+  const qsizetype n = path.size();
+  if (n == 0 || path[0] != u'/') return false;
+  if (n == 1) return true;
+  if (path[n - 1] == u'/') return false;
+  for (qsizetype i = 0; i < n; ++i) {
+    if (path[i] != u'/') continue;
+    qsizetype dots = 0;
+    while (i + 1 + dots < n && path[i + 1 + dots] == u'.') ++dots;
+    const qsizetype end = i + 1 + dots;
+    if (dots <= 2 && (end == n || path[end] == u'/')) return false;  // "//", "/./", "/../"
+  }
+  return true;
+}
+
 // A selection of many sources asks for the working folder once, not per path.
 QStringList Absolute(const QStringList& paths) {
   const QDir current = QDir::current();
   QStringList out;
   out.reserve(paths.size());
-  for (const QString& path : paths) out.append(QDir::cleanPath(current.absoluteFilePath(path)));
+  for (const QString& path : paths)
+    out.append(CleanAbsolute(path) ? path : QDir::cleanPath(current.absoluteFilePath(path)));
   return out;
 }
 

@@ -35,16 +35,31 @@ QStringView Trimmed(QStringView path) {
   return path;
 }
 
+// The last separator's index, or -1; a plain loop, as names are short.
+qsizetype LastSeparator(QStringView path) {
+  const char16_t* u = reinterpret_cast<const char16_t*>(path.utf16());
+  for (qsizetype i = path.size() - 1; i >= 0; --i)
+    if (u[i] == u'/') return i;
+  return -1;
+}
+
+// The folder a path is in and its last name, in one look.
+void Split(QStringView path, QStringView* parent, QStringView* name) {
+  path = Trimmed(path);
+  const qsizetype cut = LastSeparator(path);
+  *name = path.mid(cut + 1);
+  *parent = cut < 0 ? QStringView(u".") : cut == 0 ? QStringView(u"/") : path.left(cut);
+}
+
 QStringView NameView(QStringView path) {
   path = Trimmed(path);
-  return path.mid(path.lastIndexOf(platform::kSeparator) + 1);
+  return path.mid(LastSeparator(path) + 1);
 }
 
 QStringView ParentView(QStringView path) {
-  path = Trimmed(path);
-  const qsizetype cut = path.lastIndexOf(platform::kSeparator);
-  if (cut < 0) return u".";
-  return cut == 0 ? QStringView(u"/") : path.left(cut);
+  QStringView parent, name;
+  Split(path, &parent, &name);
+  return parent;
 }
 
 QString NameOf(const QString& path) { return NameView(path).toString(); }
@@ -128,10 +143,13 @@ QString FileOperation::CheckRequest(const QStringList& sources, const QString& t
   // A selection comes from one folder: its names are looked up relative to it.
   QString held;
   int heldFd = -1;
+  QByteArray native;
   for (const QString& source : sources) {
-    const QStringView name = NameView(source);
-    const int parentFd = PlainName(source, name) ? HeldFolder(&held, &heldFd, ParentView(source)) : -1;
-    const NodeInfo info = parentFd >= 0 ? FileCopier::StatAt(parentFd, platform::ToNative(name)) : FileCopier::Stat(source);
+    QStringView parent, name;
+    Split(source, &parent, &name);
+    const int parentFd = PlainName(source, name) ? HeldFolder(&held, &heldFd, parent) : -1;
+    if (parentFd >= 0) platform::ToNative(name, &native);
+    const NodeInfo info = parentFd >= 0 ? FileCopier::StatAt(parentFd, native) : FileCopier::Stat(source);
     if (infos) infos->push_back(info);
     if (info.kind == NodeInfo::kMissing) {
       FileCopier::CloseFolder(heldFd);
@@ -260,14 +278,20 @@ bool FileOperation::renameInto(const QString& source, const QString& target, boo
   // that are not plain, take the path route that knows about them.
   // Names first: they settle it in one look for a copy's temporary name, and
   // folders differ early for a move; the case-blind look at whole paths is slow.
-  const QStringView fromName = NameView(source), toName = NameView(target);
-  const bool caseOnly = fromName.compare(toName, Qt::CaseInsensitive) == 0 &&
-                        ParentView(source).compare(ParentView(target), Qt::CaseInsensitive) == 0;
+  QStringView fromParent, fromName, toParent, toName;
+  Split(source, &fromParent, &fromName);
+  Split(target, &toParent, &toName);
+  // Texts of different lengths never match case-blind: most moves end there.
+  const bool caseOnly = fromName.size() == toName.size() && fromParent.size() == toParent.size() &&
+                        fromName.compare(toName, Qt::CaseInsensitive) == 0 &&
+                        fromParent.compare(toParent, Qt::CaseInsensitive) == 0;
   if (!caseOnly && PlainName(source, fromName) && PlainName(target, toName)) {
-    const int fromFd = HeldFolder(&fromFolder_, &fromFd_, ParentView(source));
-    const int toFd = fromFd >= 0 ? HeldFolder(&toFolder_, &toFd_, ParentView(target)) : -1;
+    const int fromFd = HeldFolder(&fromFolder_, &fromFd_, fromParent);
+    const int toFd = fromFd >= 0 ? HeldFolder(&toFolder_, &toFd_, toParent) : -1;
     if (toFd >= 0) {
-      *error = platform::RenameNoReplaceAt(fromFd, platform::ToNative(fromName), toFd, platform::ToNative(toName));
+      platform::ToNative(fromName, &fromName_);
+      platform::ToNative(toName, &toName_);
+      *error = platform::RenameNoReplaceAt(fromFd, fromName_, toFd, toName_);
       return *error == 0;
     }
   }
@@ -356,7 +380,7 @@ void FileOperation::node(const QString& source, const QString& targetFolder, con
   bool done;
   if (info.kind == NodeInfo::kFolder) done = folder(source, target, info, merge);
   else done = leaf(source, &target, info, overwrite, at);
-  if (top && done) result_.topTargets.append(target);
+  if (top && done && result_.firstTarget.isNull()) result_.firstTarget = target;
 }
 
 bool FileOperation::folder(const QString& source, const QString& target, const NodeInfo& info, bool exists) {

@@ -37,7 +37,7 @@ struct FileOpResult {
   qint64 notDone = -1;  // after a stop: items not reached, when counted
   bool stopped = false;
   QString refusal;        // set when the job did not start at all
-  QStringList topTargets;  // the top-level names it wrote, for the list's selection
+  QString firstTarget;  // the first top-level item it wrote, for the list's selection
   QString status(bool move) const;
 };
 
@@ -105,6 +105,7 @@ class FileOperation {
   // The folders of the last rename, held open for the next one: a selection
   // moved from one folder to another renames each name without a path walk.
   QString fromFolder_, toFolder_;
+  QByteArray fromName_, toName_;  // renameInto's native names, reused per item
   int fromFd_ = -1, toFd_ = -1;
   QString deviceFolder_;
   quint64 folderDevice_ = 0;

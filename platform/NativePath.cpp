@@ -95,6 +95,20 @@ QByteArray ToNative(QStringView text) {
   return out;
 }
 
+void ToNative(QStringView text, QByteArray* out) {
+  const char16_t* u = reinterpret_cast<const char16_t*>(text.utf16());
+  const qsizetype n = text.size();
+  out->resize(n);
+  char* o = out->data();
+  for (qsizetype i = 0; i < n; ++i) {
+    if (u[i] >= 0x80) {
+      *out = ToNative(text);
+      return;
+    }
+    o[i] = char(u[i]);
+  }
+}
+
 QString DisplayText(const QString& text) {
   const qsizetype n = text.size();
   qsizetype i = 0;

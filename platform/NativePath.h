@@ -11,6 +11,8 @@ namespace platform {
 QString FromNative(const char* bytes, qsizetype length);
 inline QString FromNative(const QByteArray& bytes) { return FromNative(bytes.constData(), bytes.size()); }
 QByteArray ToNative(QStringView text);
+// The same into `out`, reusing its storage: for loops that convert a name per item.
+void ToNative(QStringView text, QByteArray* out);
 
 // The same text with every escaped byte shown as U+FFFD, for display only.
 QString DisplayText(const QString& text);
