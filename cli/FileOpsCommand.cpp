@@ -5,6 +5,7 @@
 #include <csignal>
 
 #include "cli/ArgParser.h"
+#include "cli/BatchThread.h"
 #include "core/JobFlags.h"
 #include "core/RowEscape.h"
 #include "fileops/BackupJob.h"
@@ -65,17 +66,30 @@ void PrintRow(QTextStream& out, const char* word, const QString& a, const QStrin
   PrintRow(out, word, a, b, detail, &line);
 }
 
-// One row per item: outcome, source, target, reason.
+// One row per item: outcome, source, target, reason. A job of many items
+// has its rows escaped and encoded on a thread of their own while it goes on;
+// finish() prints the rest before the summary.
 class RowSink : public FileOpSink {
  public:
-  explicit RowSink(QTextStream& out) : out_(out) {}
+  explicit RowSink(QTextStream& out)
+      : out_(out), thread_([this](std::vector<Row>& rows) { print(rows); }, 256) {}
   void item(ItemOutcome outcome, const QString& source, const QString& target, const QString& detail) override {
-    PrintRow(out_, OutcomeWord(outcome), source, target, detail, &line_);
+    thread_.add({OutcomeWord(outcome), source, target, detail});
   }
+  void finish() { thread_.finish(); }
 
  private:
+  struct Row {
+    const char* word;
+    QString source, target, detail;
+  };
+  void print(const std::vector<Row>& rows) {
+    for (const Row& r : rows) PrintRow(out_, r.word, r.source, r.target, r.detail, &line_);
+  }
+
   QTextStream& out_;
   QString line_;
+  BatchThread<Row> thread_;
 };
 
 bool Policy(const ArgParser& p, ConflictPolicy* policy, QString* error) {
@@ -147,6 +161,7 @@ int RunTransfer(CliContext& ctx, bool move) {
   FileOperation op(&sink, nullptr, core::JobFlags::AbortFlag(), options);
   // A request that must not start (folder into itself, missing target) is refused before any row.
   const FileOpResult result = op.run(sources, target);
+  sink.finish();
   if (!result.refusal.isEmpty()) {
     ctx.err << "quorvane " << name << ": " << result.refusal << '\n';
     return kExitUsage;
@@ -185,11 +200,13 @@ int RunBackupCommand(CliContext& ctx) {
     options.recurse = recurse;
     FileOperation op(&sink, nullptr, core::JobFlags::AbortFlag(), options);
     const FileOpResult result = op.run(sources, destination);
+    sink.finish();
     ctx.err << result.status(false) << '\n';
     return result.refusal.isEmpty() ? Exit(result) : kExitUsage;
   }
   BackupJob job(&sink, nullptr, core::JobFlags::AbortFlag());
   const BackupJob::Result result = job.run(sources, destination, recurse, QDateTime::currentDateTime());
+  sink.finish();
   if (!result.ops.refusal.isEmpty()) {
     ctx.err << "quorvane backup: " << result.ops.refusal << '\n';
     return kExitUsage;
@@ -255,6 +272,7 @@ int RunMkdirCommand(CliContext& ctx) {
       RowSink sink(ctx.out);
       const auto r = FolderStructure::Recreate(Absolute(p.value(QStringLiteral("structure-from"))), folder, &sink,
                                                nullptr, core::JobFlags::AbortFlag());
+      sink.finish();
       ctx.err << r.status() << '\n';
       if (!r.refusal.isEmpty()) return kExitUsage;
       failed += r.failed + r.stopped;

@@ -1,13 +1,10 @@
 #pragma once
 #include <QString>
 #include <QTextStream>
-#include <condition_variable>
-#include <deque>
-#include <mutex>
-#include <thread>
 #include <vector>
 
 #include "browser/list/RowBuilder.h"
+#include "cli/BatchThread.h"
 #include "platform/DirEntry.h"
 
 namespace browser {
@@ -37,14 +34,9 @@ class FindRowPrinter {
     platform::DirEntry entry;
     QString folder;
   };
-  using Batch = std::vector<Hit>;
 
-  void run();
-  void print(const Batch& batch);
+  void print(const std::vector<Hit>& batch);
   void write();
-
-  static constexpr size_t kBatch = 512;       // hits handed over at once
-  static constexpr size_t kMostBatches = 64;  // waiting batches before the walk waits
   // Small enough to stay in the cache between two writes.
   static constexpr qsizetype kChunk = 1 << 14;
 
@@ -55,16 +47,8 @@ class FindRowPrinter {
   std::vector<int> data_;
   QString buffer_;
   QString cell_;
-  Batch batch_;  // the walk's side
-
-  std::mutex mutex_;
-  std::condition_variable toPrinter_;
-  std::condition_variable toWalk_;
-  std::deque<Batch> queue_;
-  bool printerWaiting_ = false;
-  bool walkWaiting_ = false;
-  bool done_ = false;
-  std::thread thread_;
+  bool started_ = false;
+  BatchThread<Hit> thread_;
 };
 
 }  // namespace cli

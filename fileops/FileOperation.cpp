@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <system_error>
+#include <thread>
 #include <unistd.h>
 
 #include "fileops/SourcePrefetcher.h"
@@ -84,6 +85,9 @@ int HeldFolder(QString* held, int* fd, QStringView folder) {
   return *fd;
 }
 
+// From this many sources on, a second thread helps look at them.
+constexpr qsizetype kParallelLookFrom = 512;
+
 qint64 Now() {
   static QElapsedTimer timer;
   if (!timer.isValid()) timer.start();
@@ -139,32 +143,49 @@ QString FileOperation::CheckRequest(const QStringList& sources, const QString& t
   const QString target = FileCopier::RealPath(targetFolder);
   if (target.isEmpty() || FileCopier::Stat(target).kind != NodeInfo::kFolder)
     return QStringLiteral("The target folder does not exist: %1").arg(platform::DisplayText(targetFolder));
-  if (infos) infos->reserve(size_t(sources.size()));
+  std::vector<NodeInfo> own;
+  std::vector<NodeInfo>& found = infos ? *infos : own;
+  found.assign(size_t(sources.size()), NodeInfo());
   // A selection comes from one folder: its names are looked up relative to it.
-  QString held;
-  int heldFd = -1;
-  QByteArray native;
-  for (const QString& source : sources) {
-    QStringView parent, name;
-    Split(source, &parent, &name);
-    const int parentFd = PlainName(source, name) ? HeldFolder(&held, &heldFd, parent) : -1;
-    if (parentFd >= 0) platform::ToNative(name, &native);
-    const NodeInfo info = parentFd >= 0 ? FileCopier::StatAt(parentFd, native) : FileCopier::Stat(source);
-    if (infos) infos->push_back(info);
-    if (info.kind == NodeInfo::kMissing) {
-      FileCopier::CloseFolder(heldFd);
-      return QStringLiteral("The source does not exist: %1").arg(platform::DisplayText(source));
+  const auto statRange = [&sources, &found](qsizetype from, qsizetype to) {
+    QString held;
+    int heldFd = -1;
+    QByteArray native;
+    for (qsizetype i = from; i < to; ++i) {
+      const QString& source = sources[i];
+      QStringView parent, name;
+      Split(source, &parent, &name);
+      const int parentFd = PlainName(source, name) ? HeldFolder(&held, &heldFd, parent) : -1;
+      if (parentFd >= 0) platform::ToNative(name, &native);
+      found[size_t(i)] = parentFd >= 0 ? FileCopier::StatAt(parentFd, native) : FileCopier::Stat(source);
     }
-    if (info.kind != NodeInfo::kFolder) continue;
-    // The source itself is not resolved: a link to a folder is copied as a link.
-    const QString real = FileCopier::RealPath(source);
-    if (Inside(target, real)) {
-      FileCopier::CloseFolder(heldFd);
-      return QStringLiteral("Cannot %1 a folder into itself: %2")
-          .arg(move ? "move" : "copy", platform::DisplayText(source));
+    FileCopier::CloseFolder(heldFd);
+  };
+  // Every source is looked at before anything is done; a large selection's
+  // second half is looked at on another core meanwhile.
+  const qsizetype n = sources.size(), half = n >= kParallelLookFrom ? n / 2 : n;
+  std::thread helper;
+  if (half < n) {
+    try {
+      helper = std::thread(statRange, half, n);
+    } catch (const std::system_error&) {
+      statRange(half, n);
     }
   }
-  FileCopier::CloseFolder(heldFd);
+  statRange(0, half);
+  if (helper.joinable()) helper.join();
+  for (qsizetype i = 0; i < n; ++i) {
+    const NodeInfo& info = found[size_t(i)];
+    if (info.kind == NodeInfo::kMissing)
+      return QStringLiteral("The source does not exist: %1").arg(platform::DisplayText(sources[i]));
+    if (info.kind != NodeInfo::kFolder) continue;
+    // The source itself is not resolved: a link to a folder is copied as a link.
+    const QString real = FileCopier::RealPath(sources[i]);
+    if (Inside(target, real)) {
+      return QStringLiteral("Cannot %1 a folder into itself: %2")
+          .arg(move ? "move" : "copy", platform::DisplayText(sources[i]));
+    }
+  }
   return QString();
 }
 
