@@ -1,6 +1,7 @@
 #include "fileops/FileOperation.h"
 
 #include <QElapsedTimer>
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <system_error>
@@ -161,19 +162,23 @@ QString FileOperation::CheckRequest(const QStringList& sources, const QString& t
     }
     FileCopier::CloseFolder(heldFd);
   };
-  // Every source is looked at before anything is done; a large selection's
-  // second half is looked at on another core meanwhile.
-  const qsizetype n = sources.size(), half = n >= kParallelLookFrom ? n / 2 : n;
-  std::thread helper;
-  if (half < n) {
+  // Every source is looked at before anything is done; a large selection is
+  // shared out over the cores, one slice of at least kParallelLookFrom / 2 each.
+  const qsizetype n = sources.size();
+  const qsizetype parts = n < kParallelLookFrom ? 1
+                          : std::clamp<qsizetype>(n / (kParallelLookFrom / 2), 1,
+                                                  qsizetype(std::max(1u, std::thread::hardware_concurrency())));
+  std::vector<std::thread> helpers;
+  for (qsizetype part = 1; part < parts; ++part) {
+    const qsizetype from = n * part / parts, to = n * (part + 1) / parts;
     try {
-      helper = std::thread(statRange, half, n);
+      helpers.emplace_back(statRange, from, to);
     } catch (const std::system_error&) {
-      statRange(half, n);
+      statRange(from, to);
     }
   }
-  statRange(0, half);
-  if (helper.joinable()) helper.join();
+  statRange(0, n / parts);
+  for (std::thread& helper : helpers) helper.join();
   for (qsizetype i = 0; i < n; ++i) {
     const NodeInfo& info = found[size_t(i)];
     if (info.kind == NodeInfo::kMissing)
