@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <algorithm>
+#include <atomic>
 
 #include "core/RowEscape.h"
 #include "platform/NativePath.h"
@@ -14,8 +15,24 @@ QString RenameLog::PathBeside(const QString& settingsFile) {
   return (cut < 0 ? QStringLiteral(".") : settingsFile.left(cut)) + u'/' + QString::fromLatin1(kFileName);
 }
 
-RenameLog::RenameLog(const QString& path, const QDateTime& batchStart)
-    : path_(path), stamp_(batchStart.toUTC().toString(Qt::ISODateWithMs)) {}
+namespace {
+
+// A batch is the run of lines with one stamp, so two batches of one process
+// started within the same millisecond (a rename, then its undo) must not
+// share it: each stamp is later than the one before.
+QString BatchStamp(const QDateTime& batchStart) {
+  static std::atomic<qint64> last{0};
+  qint64 ms = batchStart.toMSecsSinceEpoch();
+  qint64 seen = last.load();
+  do {
+    ms = std::max(ms, seen + 1);
+  } while (!last.compare_exchange_weak(seen, ms));
+  return QDateTime::fromMSecsSinceEpoch(ms, Qt::UTC).toString(Qt::ISODateWithMs);
+}
+
+}  // namespace
+
+RenameLog::RenameLog(const QString& path, const QDateTime& batchStart) : path_(path), stamp_(BatchStamp(batchStart)) {}
 
 QString RenameLog::append(const QString& oldPath, const QString& newPath) {
   int error = file_.isOpen() ? 0 : file_.open(path_);

@@ -218,12 +218,14 @@ class TestRenameSpecial : public QObject {
     for (const QString& n : names) paths << dir.path() + u'/' + n;
     const QString logPath = dir.path() + "/log/" + RenameLog::kFileName;
     QVERIFY(QDir().mkpath(dir.path() + "/log"));
+    // The older batch begins in the same millisecond: it must stay a batch of its own.
+    const QDateTime start = QDateTime::currentDateTime();
     {
-      RenameLog older(logPath, QDateTime::fromSecsSinceEpoch(0));
+      RenameLog older(logPath, start);
       QCOMPARE(older.append("/old/a", "/old/b"), QString());
     }
     std::vector<RenameItem> items = RenameSpecial::Plan(RenameHow::kUnderscore, paths);
-    RenameLog log(logPath, QDateTime::currentDateTime());
+    RenameLog log(logPath, start);
     const RenameResult r = RenameSpecial::Run(&items, &log, nullptr, nullptr);
     QCOMPARE(r.renamed, qsizetype(3));
     QCOMPARE(r.logError, QString());
