@@ -1,5 +1,7 @@
 #include "core/AttributeText.h"
 
+#include "core/AppendText.h"
+
 namespace core {
 
 QString AttributeString(quint32 attributes) {
@@ -13,7 +15,7 @@ void AppendAttributeString(QString* out, quint32 attributes) {
   char16_t text[kAttributeTable.size()];
   for (size_t i = 0; i < kAttributeTable.size(); ++i)
     text[i] = attributes & kAttributeTable[i].bit ? char16_t(kAttributeTable[i].letter) : u'-';
-  out->append(QStringView(text, qsizetype(kAttributeTable.size())));
+  AppendText(out, QStringView(text, qsizetype(kAttributeTable.size())));
 }
 
 bool AttributeBitsFromLetters(const QString& letters, quint32* bits) {

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "core/AppendText.h"
 #include "core/FormatLocale.h"
 
 namespace core {
@@ -47,7 +48,7 @@ class Pieces {
 
  private:
   void flush() {
-    if (n_) out_->append(QStringView(buf_, n_));
+    if (n_) AppendText(out_, QStringView(buf_, n_));
     n_ = 0;
   }
   static constexpr qsizetype kSize = 96;

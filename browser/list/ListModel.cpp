@@ -6,6 +6,7 @@
 #include "browser/list/FoldCase.h"
 #include "browser/list/ListSorter.h"
 #include "core/AgeText.h"
+#include "core/AppendText.h"
 #include "core/AttributeText.h"
 #include "core/DatePattern.h"
 #include "core/DateStyles.h"
@@ -46,7 +47,7 @@ struct ListModel::Formats {
       d.key = key;
       return;
     }
-    out->append(QStringView(d.text, d.size));
+    core::AppendText(out, QStringView(d.text, d.size));
   }
 
   core::DatePattern date;
@@ -209,14 +210,17 @@ void ListModel::appendDataText(QString* out, RowId id, int dataIndex, bool raw) 
   switch (dataIndex) {
     case core::kSlotName:
       if (!raw && (r.flags & RowStore::kEscaped)) AppendDisplay(out, rows_.name(r));
-      else out->append(rows_.name(r));
+      else core::AppendText(out, rows_.name(r));
       break;
     case core::kSlotExt:
       if (!raw && (r.flags & RowStore::kEscaped)) AppendDisplay(out, rows_.extension(r));
-      else out->append(rows_.extension(r));
+      else core::AppendText(out, rows_.extension(r));
       break;
-    case core::kSlotSize: out->append(core::FormatSize(double(r.size), sizeFormat_, clusterSize_)); break;
-    case core::kSlotType: out->append(rows_.type(r.type).name); break;
+    case core::kSlotSize:
+      if (sizeFormat_ == core::kSizeRaw) core::AppendNumber(out, r.size);
+      else out->append(core::FormatSize(double(r.size), sizeFormat_, clusterSize_));
+      break;
+    case core::kSlotType: core::AppendText(out, rows_.type(r.type).name); break;
     case core::kSlotCreated:
     case core::kSlotModified:
     case core::kSlotAccessed: {
@@ -225,7 +229,7 @@ void ListModel::appendDataText(QString* out, RowId id, int dataIndex, bool raw) 
       Formats::Stamp& stamp = formats_->stamps[size_t(dataIndex - core::kSlotCreated) % 3];
       const qint64 second = t > 0 ? t / platform::kTicksPerSecond : -1;
       if (!age_ && formats_->bySecond && second >= 0 && stamp.second == second) {
-        out->append(stamp.text);
+        core::AppendText(out, stamp.text);
         break;
       }
       core::LocalTime local;
@@ -239,7 +243,7 @@ void ListModel::appendDataText(QString* out, RowId id, int dataIndex, bool raw) 
       }
       const qsizetype at = out->size();
       formats_->appendDate(out, local);
-      out->append(u' ');
+      core::AppendText(out, u' ');
       formats_->time.appendTo(out, local);
       if (formats_->bySecond && second >= 0) {
         stamp.second = second;
@@ -252,7 +256,7 @@ void ListModel::appendDataText(QString* out, RowId id, int dataIndex, bool raw) 
     case core::kSlotPath: {
       QStringView folder = rows_.folder(r.folder);
       if (relativePaths_) folder = folder.mid(RelativeStart(folder));
-      if (raw) out->append(folder);
+      if (raw) core::AppendText(out, folder);
       else AppendDisplay(out, folder);
       break;
     }

@@ -1,6 +1,7 @@
 #include "browser/list/ListPrinter.h"
 
 #include "browser/list/ListModel.h"
+#include "core/AppendText.h"
 #include "core/RowEscape.h"
 
 namespace browser {
@@ -26,11 +27,11 @@ void ListPrinter::AppendRow(const ListModel& model, RowId id, const std::vector<
   // no row needs an escape. One that may is formatted again field by field.
   const qsizetype start = buffer->size();
   for (size_t i = 0; i < data.size(); ++i) {
-    if (i) buffer->append(u'\t');
+    if (i) core::AppendText(buffer, u'\t');
     model.appendDataText(buffer, id, data[i], true);
   }
   if (core::RowFieldsPlain(QStringView(*buffer).mid(start), qsizetype(data.size()) - 1)) {
-    buffer->append(u'\n');
+    core::AppendText(buffer, u'\n');
     return;
   }
   buffer->truncate(start);

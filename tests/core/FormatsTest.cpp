@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "core/AgeText.h"
+#include "core/AppendText.h"
 #include "core/AttributeText.h"
 #include "core/DateStyles.h"
 #include "core/DriveText.h"
@@ -86,6 +87,14 @@ class FormatsTest : public QObject {
     QTEST(option == -1 ? FlexibleSize(bytes, false, true)
                        : FormatSize(bytes, unknownCluster ? 8 : option, unknownCluster ? 0 : 4096),
           "text");
+    if (option != kSizeRaw) return;
+    // Rows append the raw size in place; a string shared with another stays as it was.
+    QFETCH(QString, text);
+    QString row = QStringLiteral("x\t");
+    const QString shared = row;
+    AppendNumber(&row, qint64(bytes));
+    QCOMPARE(row, "x\t" + text);
+    QCOMPARE(shared, QStringLiteral("x\t"));
   }
 
   void numbers_data() {
