@@ -500,10 +500,11 @@ bool FileOperation::leaf(const QString& source, QString* targetPath, const NodeI
   // Puts `from` under the target name without replacing anything the user
   // did not choose to replace; a taken name is settled then. 0 placed, -1
   // skipped or stopped (already reported), else an errno value.
-  auto place = [&](const QString& from) -> int {
+  // `put` puts it there once (0 or an errno value), replacing only when told to.
+  auto placeBy = [&](const auto& put) -> int {
     for (int round = 0; round < 4; ++round) {
-      int error = 0;
-      if (renameInto(from, target, overwrite, &error)) return 0;
+      const int error = put(overwrite);
+      if (error == 0) return 0;
       if (error != EEXIST || overwrite) return error;
       const NodeInfo there = FileCopier::Stat(target);
       if (there.kind == NodeInfo::kMissing) continue;
@@ -512,6 +513,13 @@ bool FileOperation::leaf(const QString& source, QString* targetPath, const NodeI
       if (settle(source, targetFolder, info, there, &name, &target, &overwrite, &merge) != Step::kGo) return -1;
     }
     return EEXIST;
+  };
+  auto place = [&](const QString& from) {
+    return placeBy([&](bool replace) {
+      int error = 0;
+      renameInto(from, target, replace, &error);
+      return error;
+    });
   };
   const bool sameFs = options_.move && sameFileSystem(info, ParentView(target));
   if (options_.dryRun) {
@@ -538,32 +546,53 @@ bool FileOperation::leaf(const QString& source, QString* targetPath, const NodeI
   }
 
   names();
-  const QString tempLeaf = TempLeafName();
-  const QString temp = Join(targetFolder, tempLeaf);
-  int error = 0;
-  if (info.kind == NodeInfo::kFile) {
-    const qint64 base = fileBytesBase_;
-    const FileCopier::BlockHook hook = [&](qint64 done) {
-      progress_.bytesDone = base + done;
-      tick(source);
-      return !stopNow();
-    };
-    // Within a folder walk both folders are open: no path walk per file.
-    error = at.source >= 0 && at.target >= 0 && at.native
-                ? FileCopier::CopyFileAt(at.source, *at.native, at.target, platform::ToNative(tempLeaf),
-                                         options_.blockSize, hook)
-                : FileCopier::CopyFile(source, temp, options_.blockSize, hook);
-  } else if (info.kind == NodeInfo::kLink) {
-    error = FileCopier::CopyLink(source, temp);
-  } else {
-    error = FileCopier::CopyFifo(source, temp);
+  const qint64 base = fileBytesBase_;
+  const FileCopier::BlockHook hook = [&](qint64 done) {
+    progress_.bytesDone = base + done;
+    tick(source);
+    return !stopNow();
+  };
+  // Within a folder walk both folders are open: no path walk per file. The
+  // copy goes to an unnamed file that is given its name when complete: one
+  // name made instead of a temporary one made and renamed.
+  const bool walked = at.source >= 0 && at.target >= 0 && at.native;
+  int error = EOPNOTSUPP;
+  if (info.kind == NodeInfo::kFile && walked && !noUnnamed_) {
+    int unnamed = -1;
+    error = FileCopier::CopyFileUnnamed(at.source, *at.native, at.target, options_.blockSize, hook, &unnamed);
+    if (error == EOPNOTSUPP) noUnnamed_ = true;
+    if (error == 0) {
+      error = placeBy([&](bool replace) {
+        if (!replace) return FileCopier::LinkUnnamed(unnamed, at.target, platform::ToNative(NameOf(target)));
+        // Replacing goes through a temporary name, as links cannot replace.
+        const QString temp = Join(targetFolder, TempLeafName());
+        int e = FileCopier::LinkUnnamed(unnamed, at.target, platform::ToNative(NameOf(temp)));
+        if (e == 0 && !renameInto(temp, target, true, &e)) FileCopier::RemoveFile(temp);
+        return e;
+      });
+      ::close(unnamed);
+      if (error < 0) return false;
+    }
+  }
+  if (error == EOPNOTSUPP) {
+    const QString tempLeaf = TempLeafName();
+    const QString temp = Join(targetFolder, tempLeaf);
+    if (info.kind == NodeInfo::kFile) {
+      error = walked ? FileCopier::CopyFileAt(at.source, *at.native, at.target, platform::ToNative(tempLeaf),
+                                              options_.blockSize, hook)
+                     : FileCopier::CopyFile(source, temp, options_.blockSize, hook);
+    } else if (info.kind == NodeInfo::kLink) {
+      error = FileCopier::CopyLink(source, temp);
+    } else {
+      error = FileCopier::CopyFifo(source, temp);
+    }
+    if (error == 0) {
+      error = place(temp);
+      if (error != 0) FileCopier::RemoveFile(temp);
+      if (error < 0) return false;
+    }
   }
   if (error == ECANCELED) return false;  // stopped inside the file: it was never there
-  if (error == 0) {
-    error = place(temp);
-    if (error != 0) FileCopier::RemoveFile(temp);
-    if (error < 0) return false;
-  }
   finish();
   if (error == ESTALE) {
     report(ItemOutcome::kFailed, source, target, QStringLiteral("The file changed while it was copied."));

@@ -107,6 +107,7 @@ class FileOperation {
   QString fromFolder_, toFolder_;
   QByteArray fromName_, toName_;  // renameInto's native names, reused per item
   int fromFd_ = -1, toFd_ = -1;
+  bool noUnnamed_ = false;  // the target's file system makes no unnamed files
   QString deviceFolder_;
   quint64 folderDevice_ = 0;
 };

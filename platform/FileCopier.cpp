@@ -1,7 +1,9 @@
 #include "platform/FileCopier.h"
 
+#include <atomic>
 #include <cerrno>
 #include <climits>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <dirent.h>
@@ -78,20 +80,58 @@ int FileCopier::CopyFile(const QString& source, const QString& target, qint64 bl
 
 int FileCopier::CopyFileAt(int sourceFolder, const QByteArray& source, int targetFolder, const QByteArray& target,
                            qint64 blockSize, const BlockHook& hook) {
+  return CopyInto(sourceFolder, source, targetFolder, &target, blockSize, hook, nullptr);
+}
+
+int FileCopier::CopyFileUnnamed(int sourceFolder, const QByteArray& source, int targetFolder, qint64 blockSize,
+                                const BlockHook& hook, int* unnamed) {
+  *unnamed = -1;
+  // Linking needs the descriptor's name under /proc; without it the caller
+  // takes the named route from the start.
+  static const bool procFds = ::access("/proc/self/fd", X_OK) == 0;
+  if (!procFds) return EOPNOTSUPP;
+  return CopyInto(sourceFolder, source, targetFolder, nullptr, blockSize, hook, unnamed);
+}
+
+int FileCopier::LinkUnnamed(int fd, int targetFolder, const QByteArray& name) {
+  // Straight from the descriptor where the kernel lets its opener (6.10 on,
+  // or with the capability); else through its name under /proc, a path walk dearer.
+  static std::atomic<bool> fromDescriptor{true};
+  if (fromDescriptor.load(std::memory_order_relaxed)) {
+    if (::linkat(fd, "", targetFolder, name.constData(), AT_EMPTY_PATH) == 0) return 0;
+    if (errno != ENOENT) return errno;
+    fromDescriptor.store(false, std::memory_order_relaxed);
+  }
+  char proc[40];
+  std::snprintf(proc, sizeof proc, "/proc/self/fd/%d", fd);
+  return ::linkat(AT_FDCWD, proc, targetFolder, name.constData(), AT_SYMLINK_FOLLOW) == 0 ? 0 : errno;
+}
+
+// The copy itself, into `*target` (made exclusively, removed on failure) or,
+// when target is null, into an unnamed file of the folder whose descriptor
+// is handed back open: it has no name to leave behind on any failure.
+int FileCopier::CopyInto(int sourceFolder, const QByteArray& source, int targetFolder, const QByteArray* target,
+                         qint64 blockSize, const BlockHook& hook, int* unnamed) {
   // O_NONBLOCK: a file that turned into a FIFO since it was listed must not hang us.
   const int in = ::openat(sourceFolder, source.constData(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC | O_NONBLOCK);
   if (in < 0) return errno;
   struct stat before {};
   if (::fstat(in, &before) != 0) return CloseKeeping(in, errno);
   if (!S_ISREG(before.st_mode)) return CloseKeeping(in, EINVAL);
-  const int out =
-      ::openat(targetFolder, target.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600);
-  if (out < 0) return CloseKeeping(in, errno);
+  const int out = target ? ::openat(targetFolder, target->constData(),
+                                    O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC | O_NOFOLLOW, 0600)
+                         : ::openat(targetFolder, ".", O_WRONLY | O_TMPFILE | O_CLOEXEC, 0600);
+  if (out < 0) {
+    // File systems (and kernels) without unnamed files say so in several ways.
+    const int error = errno;
+    if (!target && (error == EOPNOTSUPP || error == EISDIR || error == EINVAL)) return CloseKeeping(in, EOPNOTSUPP);
+    return CloseKeeping(in, error);
+  }
 
   auto fail = [&](int error) {
     ::close(in);
     ::close(out);
-    ::unlinkat(targetFolder, target.constData(), 0);
+    if (target) ::unlinkat(targetFolder, target->constData(), 0);
     return error;
   };
   if (before.st_size > (1 << 20)) posix_fadvise(in, 0, 0, POSIX_FADV_SEQUENTIAL);
@@ -131,9 +171,13 @@ int FileCopier::CopyFileAt(int sourceFolder, const QByteArray& source, int targe
   const struct timespec times[2] = {before.st_atim, before.st_mtim};
   if (::futimens(out, times) != 0) return fail(errno);
   ::close(in);
+  if (!target) {
+    *unnamed = out;
+    return 0;
+  }
   if (::close(out) != 0) {
     const int error = errno;
-    ::unlinkat(targetFolder, target.constData(), 0);
+    ::unlinkat(targetFolder, target->constData(), 0);
     return error;
   }
   return 0;

@@ -45,6 +45,13 @@ class FileCopier {
   // The same for names in open folders (AT_FDCWD: paths), with no path walk.
   static int CopyFileAt(int sourceFolder, const QByteArray& source, int targetFolder, const QByteArray& target,
                         qint64 blockSize, const BlockHook& hook);
+  // The same into an unnamed file of targetFolder (O_TMPFILE), handed back
+  // open in *unnamed: an interrupted copy leaves nothing under any name.
+  // EOPNOTSUPP where the file system cannot make one.
+  static int CopyFileUnnamed(int sourceFolder, const QByteArray& source, int targetFolder, qint64 blockSize,
+                             const BlockHook& hook, int* unnamed);
+  // Gives an unnamed file its name; EEXIST when the name is taken.
+  static int LinkUnnamed(int fd, int targetFolder, const QByteArray& name);
   // Recreates a symbolic link (its text, never its target) and its times.
   static int CopyLink(const QString& source, const QString& target);
   // Recreates a FIFO with the source's permissions; never opens it.
@@ -80,6 +87,10 @@ class FileCopier {
   static QString RealPath(const QString& path);
   // Sets a file's modification time (nanoseconds since 1970), for tests and backups.
   static int SetModifiedTime(const QString& path, qint64 mtimeNs);
+
+ private:
+  static int CopyInto(int sourceFolder, const QByteArray& source, int targetFolder, const QByteArray* target,
+                      qint64 blockSize, const BlockHook& hook, int* unnamed);
 };
 
 }  // namespace platform
