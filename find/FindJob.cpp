@@ -134,9 +134,12 @@ class Walker {
       // (the kernel's single-threaded shortcuts end).
       // The helpers also look up the entries whose names match, so that the
       // walk itself only tests and reports them.
+      // By default one reader more than cores: the walk itself mostly waits
+      // for the folder it needs next, and its core would idle meanwhile.
       if (c_.includeSubfolders && !c_.textOn)
-        prefetcher_ = std::make_unique<FolderPrefetcher>(location, c_.excludeOn, c_.excludes,
-                                                         ContentPool::WorkersFor(c_.threads), &patterns_);
+        prefetcher_ = std::make_unique<FolderPrefetcher>(
+            location, c_.excludeOn, c_.excludes, ContentPool::WorkersFor(c_.threads) + (c_.threads > 0 ? 0 : 1),
+            &patterns_);
       if (!everything && c_.includeSubfolders) scanThenRecurse(nullptr, 0, location, location);
       else scanByPattern(nullptr, 0, location, location);
       prefetcher_.reset();
