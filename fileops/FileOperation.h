@@ -58,9 +58,10 @@ class FileOperation {
   static QString KeepBothName(const QString& folder, const QString& name);
   // The message for a request that must not start (folder into itself,
   // missing target), or empty when it may.
-  // `infos`, when given, receives what each source is (the job needs it next).
+  // `infos`, when given, receives what each source is (the job needs it next);
+  // with `kindsOnly` a file's size, times and permissions may be left out.
   static QString CheckRequest(const QStringList& sources, const QString& targetFolder, bool move,
-                              std::vector<platform::NodeInfo>* infos = nullptr);
+                              std::vector<platform::NodeInfo>* infos = nullptr, bool kindsOnly = false);
 
  private:
   enum class Step { kGo, kSkip, kStop };

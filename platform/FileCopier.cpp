@@ -11,6 +11,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "platform/NativePath.h"
@@ -306,6 +308,62 @@ quint64 FileCopier::DeviceOf(const QString& folder) {
   struct stat st {};
   if (::stat(ToNative(folder).constData(), &st) != 0) return 0;
   return st.st_dev;
+}
+
+bool FileCopier::KindsIn(const QString& folder, const std::vector<QByteArray>& names, std::vector<NodeInfo>* infos) {
+  const int fd = ::open(ToNative(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd < 0) return false;
+  struct stat dir {};
+  if (::fstat(fd, &dir) != 0) {
+    ::close(fd);
+    return false;
+  }
+  // Each name's directory type; 0xff for one not met (yet).
+  std::unordered_map<std::string_view, unsigned char> wanted;
+  wanted.reserve(names.size());
+  for (const QByteArray& name : names) wanted.emplace(std::string_view(name.constData(), size_t(name.size())), 0xff);
+  // A few names of a huge folder are cheaper looked up one by one.
+  const size_t most = 8 * names.size() + 4096;
+  size_t seen = 0;
+  alignas(struct dirent64) char buffer[65536];
+  for (;;) {
+    const ssize_t n = ::getdents64(fd, buffer, sizeof buffer);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0 || (seen += size_t(n) / 24) > most) {  // 24 bytes: the smallest entry
+      ::close(fd);
+      return false;
+    }
+    if (n == 0) break;
+    for (ssize_t at = 0; at < n;) {
+      const auto* e = reinterpret_cast<const struct dirent64*>(buffer + at);
+      at += e->d_reclen;
+      const auto it = wanted.find(std::string_view(e->d_name));
+      if (it != wanted.end()) it->second = e->d_type;
+    }
+  }
+  infos->assign(names.size(), NodeInfo());
+  for (size_t i = 0; i < names.size(); ++i) {
+    const unsigned char type = wanted.find(std::string_view(names[i].constData(), size_t(names[i].size())))->second;
+    NodeInfo& info = (*infos)[i];
+    if (type == 0xff) {
+      info.error = ENOENT;
+      continue;
+    }
+    switch (type) {
+      case DT_REG: info.kind = NodeInfo::kFile; break;
+      case DT_LNK: info.kind = NodeInfo::kLink; break;
+      case DT_FIFO: info.kind = NodeInfo::kFifo; break;
+      case DT_SOCK: info.kind = NodeInfo::kSocket; break;
+      case DT_CHR:
+      case DT_BLK: info.kind = NodeInfo::kDevice; break;
+      default:  // folders (maybe mount points) and unknown types are looked at in full
+        info = StatAt(fd, names[i]);
+        continue;
+    }
+    info.device = dir.st_dev;
+  }
+  ::close(fd);
+  return true;
 }
 
 int FileCopier::ListNames(const QString& folder, QStringList* names) {

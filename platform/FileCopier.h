@@ -73,6 +73,12 @@ class FileCopier {
   // Reads a folder once and stats each name relative to it (no path walk per
   // name). A name that vanished between the two comes back as kMissing.
   static int ListEntries(const QString& folder, std::vector<FolderEntry>* entries);
+  // The kind of each of `names` (native, plain) in `folder`, from one read of
+  // the folder rather than one look per name; a name not there is kMissing.
+  // Files, links and the like carry only their kind and the folder's device;
+  // folders are looked at in full. False when the folder cannot be read or
+  // holds far more than the names: then look them up one by one.
+  static bool KindsIn(const QString& folder, const std::vector<QByteArray>& names, std::vector<NodeInfo>* infos);
   // A folder's descriptor for StatAt and the *At renames, or -1 (then
   // callers use full paths).
   static int OpenFolder(const QString& folder);

@@ -291,6 +291,69 @@ class TestFileOperation : public QObject {
     FileCopier::RemoveTree(dst + "/src");
   }
 
+  // A large selection's kinds come from one read of its folder: they must
+  // be what a look at each name gives.
+  void kindsFromOneRead() {
+    QTemporaryDir dir;
+    const QString d = dir.path();
+    QVERIFY(Write(d + "/file.txt", "x") && QDir().mkpath(d + "/sub"));
+    QVERIFY(::symlink("file.txt", platform::ToNative(d + "/link").constData()) == 0);
+    QVERIFY(::mkfifo(platform::ToNative(d + "/pipe").constData(), 0600) == 0);
+    const QStringList names{"file.txt", "sub", "link", "pipe", "gone", "file.txt"};
+    std::vector<QByteArray> natives;
+    for (const QString& n : names) natives.push_back(platform::ToNative(n));
+    std::vector<NodeInfo> infos;
+    QVERIFY(FileCopier::KindsIn(d, natives, &infos));
+    QCOMPARE(infos.size(), size_t(names.size()));
+    for (qsizetype i = 0; i < names.size(); ++i) {
+      const NodeInfo whole = FileCopier::Stat(d + u'/' + names[i]);
+      QCOMPARE(int(infos[size_t(i)].kind), int(whole.kind));
+      QCOMPARE(infos[size_t(i)].device, whole.device);
+    }
+  }
+
+  // A selection large enough to be looked at in one read of its folder.
+  void largeSelectionMoves_data() {
+    QTest::addColumn<bool>("across");
+    QTest::newRow("within a file system") << false;
+    QTest::newRow("across file systems") << true;
+  }
+  void largeSelectionMoves() {
+    QFETCH(bool, across);
+    QTemporaryDir dir;
+    QString dst = dir.path() + "/dst";
+    if (across) {
+      if (::geteuid() != 0) QSKIP("needs a tmpfs mount, which needs root");
+      dst = MountTmpfs(dst, "size=4m");
+      if (dst.isEmpty()) QSKIP("this machine does not allow a tmpfs mount");
+    }
+    struct Unmount {
+      QString at;
+      ~Unmount() {
+        if (!at.isEmpty()) ::umount2(platform::ToNative(at).constData(), MNT_DETACH);
+      }
+    } unmount{across ? dst : QString()};
+    QVERIFY(QDir().mkpath(dst));
+    QStringList sources;
+    for (int i = 0; i < 600; ++i) {
+      sources << dir.path() + QStringLiteral("/src/f%1").arg(i);
+      QVERIFY(Write(sources.back(), Filler(100 + i, i)));
+    }
+    Recorder sink;
+    std::atomic<bool> abort{false};
+    FileOpOptions options;
+    options.move = true;
+    const FileOpResult r = FileOperation(&sink, nullptr, abort, options).run(sources, dst);
+    QCOMPARE(sink.failed, QStringList());
+    QCOMPARE(r.moved, 600);
+    for (int i = 0; i < 600; ++i) {
+      QVERIFY(!QFile::exists(sources[i]));
+      QFile f(dst + QStringLiteral("/f%1").arg(i));
+      QVERIFY(f.open(QIODevice::ReadOnly));
+      QCOMPARE(f.readAll(), Filler(100 + i, i));
+    }
+  }
+
   void refusals() {
     QTemporaryDir dir;
     const QString src = dir.path() + "/src";
