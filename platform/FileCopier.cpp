@@ -12,7 +12,6 @@
 #include <unistd.h>
 
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 #include "platform/NativePath.h"
@@ -318,10 +317,25 @@ bool FileCopier::KindsIn(const QString& folder, const std::vector<QByteArray>& n
     ::close(fd);
     return false;
   }
-  // Each name's directory type; 0xff for one not met (yet).
-  std::unordered_map<std::string_view, unsigned char> wanted;
-  wanted.reserve(names.size());
-  for (const QByteArray& name : names) wanted.emplace(std::string_view(name.constData(), size_t(name.size())), 0xff);
+  // An open-addressed table of the names (an index per slot, the first of
+  // equal names), and each name's directory type: 0xff for one not met (yet).
+  size_t slots = 16;
+  while (slots < 2 * names.size()) slots *= 2;
+  std::vector<quint32> table(slots, UINT32_MAX);
+  std::vector<quint32> first(names.size());
+  std::vector<unsigned char> type(names.size(), 0xff);
+  const auto slotOf = [&](std::string_view name) {
+    size_t at = std::hash<std::string_view>()(name) & (slots - 1);
+    while (table[at] != UINT32_MAX &&
+           std::string_view(names[table[at]].constData(), size_t(names[table[at]].size())) != name)
+      at = (at + 1) & (slots - 1);
+    return at;
+  };
+  for (size_t i = 0; i < names.size(); ++i) {
+    const size_t at = slotOf(std::string_view(names[i].constData(), size_t(names[i].size())));
+    if (table[at] == UINT32_MAX) table[at] = quint32(i);
+    first[i] = table[at];
+  }
   // A few names of a huge folder are cheaper looked up one by one.
   const size_t most = 8 * names.size() + 4096;
   size_t seen = 0;
@@ -337,19 +351,18 @@ bool FileCopier::KindsIn(const QString& folder, const std::vector<QByteArray>& n
     for (ssize_t at = 0; at < n;) {
       const auto* e = reinterpret_cast<const struct dirent64*>(buffer + at);
       at += e->d_reclen;
-      const auto it = wanted.find(std::string_view(e->d_name));
-      if (it != wanted.end()) it->second = e->d_type;
+      const quint32 i = table[slotOf(std::string_view(e->d_name))];
+      if (i != UINT32_MAX) type[i] = e->d_type;
     }
   }
   infos->assign(names.size(), NodeInfo());
   for (size_t i = 0; i < names.size(); ++i) {
-    const unsigned char type = wanted.find(std::string_view(names[i].constData(), size_t(names[i].size())))->second;
     NodeInfo& info = (*infos)[i];
-    if (type == 0xff) {
+    if (type[first[i]] == 0xff) {
       info.error = ENOENT;
       continue;
     }
-    switch (type) {
+    switch (type[first[i]]) {
       case DT_REG: info.kind = NodeInfo::kFile; break;
       case DT_LNK: info.kind = NodeInfo::kLink; break;
       case DT_FIFO: info.kind = NodeInfo::kFifo; break;
