@@ -344,8 +344,10 @@ bool FileOperation::renameInto(const QString& source, const QString& target, boo
     const int toFd = fromFd >= 0 ? HeldFolder(&toFolder_, &toFd_, toParent) : -1;
     if (toFd >= 0) {
       platform::ToNative(fromName, &fromName_);
-      platform::ToNative(toName, &toName_);
-      *error = platform::RenameNoReplaceAt(fromFd, fromName_, toFd, toName_);
+      // A move keeps the name: its bytes are made once.
+      const bool sameName = toName == fromName;
+      if (!sameName) platform::ToNative(toName, &toName_);
+      *error = platform::RenameNoReplaceAt(fromFd, fromName_, toFd, sameName ? fromName_ : toName_);
       return *error == 0;
     }
   }
