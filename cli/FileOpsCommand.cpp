@@ -111,13 +111,13 @@ bool CleanAbsolute(QStringView path) {
   const qsizetype n = path.size();
   if (n == 0 || path[0] != u'/') return false;
   if (n == 1) return true;
-  if (path[n - 1] == u'/') return false;
-  for (qsizetype i = 0; i < n; ++i) {
-    if (path[i] != u'/') continue;
+  if (path[n - 1] == u'/' || path.contains(u"//")) return false;
+  // Only a part starting with a dot can be "." or "..": most paths have none.
+  for (qsizetype i = path.indexOf(u"/."); i >= 0; i = path.indexOf(u"/.", i + 1)) {
     qsizetype dots = 0;
     while (i + 1 + dots < n && path[i + 1 + dots] == u'.') ++dots;
     const qsizetype end = i + 1 + dots;
-    if (dots <= 2 && (end == n || path[end] == u'/')) return false;  // "//", "/./", "/../"
+    if (dots <= 2 && (end == n || path[end] == u'/')) return false;  // "/./", "/../"
   }
   return true;
 }

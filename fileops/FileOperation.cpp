@@ -5,6 +5,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <system_error>
+#include <string_view>
 #include <thread>
 #include <unistd.h>
 
@@ -98,14 +99,21 @@ bool KindsFromFolder(const QStringList& sources, quint64 targetDevice, std::vect
   if (sources.size() < kParallelLookFrom) return false;
   QStringView parent, name;
   Split(sources.front(), &parent, &name);
-  std::vector<QByteArray> names;
-  names.reserve(size_t(sources.size()));
+  // All the names in one buffer: a selection of thousands makes no string each.
+  QByteArray bytes, native;
+  std::vector<std::pair<qsizetype, qsizetype>> spans;
+  spans.reserve(size_t(sources.size()));
   for (const QString& source : sources) {
     QStringView p, n;
     Split(source, &p, &n);
     if (p != parent || !PlainName(source, n)) return false;
-    names.push_back(platform::ToNative(n));
+    platform::ToNative(n, &native);
+    spans.emplace_back(bytes.size(), native.size());
+    bytes += native;
   }
+  std::vector<std::string_view> names;
+  names.reserve(spans.size());
+  for (const auto& [at, size] : spans) names.emplace_back(bytes.constData() + at, size_t(size));
   const QString folder = parent.toString();
   return FileCopier::DeviceOf(folder) == targetDevice && FileCopier::KindsIn(folder, names, found);
 }

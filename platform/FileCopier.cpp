@@ -309,7 +309,8 @@ quint64 FileCopier::DeviceOf(const QString& folder) {
   return st.st_dev;
 }
 
-bool FileCopier::KindsIn(const QString& folder, const std::vector<QByteArray>& names, std::vector<NodeInfo>* infos) {
+bool FileCopier::KindsIn(const QString& folder, const std::vector<std::string_view>& names,
+                         std::vector<NodeInfo>* infos) {
   const int fd = ::open(ToNative(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (fd < 0) return false;
   struct stat dir {};
@@ -326,13 +327,12 @@ bool FileCopier::KindsIn(const QString& folder, const std::vector<QByteArray>& n
   std::vector<unsigned char> type(names.size(), 0xff);
   const auto slotOf = [&](std::string_view name) {
     size_t at = std::hash<std::string_view>()(name) & (slots - 1);
-    while (table[at] != UINT32_MAX &&
-           std::string_view(names[table[at]].constData(), size_t(names[table[at]].size())) != name)
+    while (table[at] != UINT32_MAX && names[table[at]] != name)
       at = (at + 1) & (slots - 1);
     return at;
   };
   for (size_t i = 0; i < names.size(); ++i) {
-    const size_t at = slotOf(std::string_view(names[i].constData(), size_t(names[i].size())));
+    const size_t at = slotOf(names[i]);
     if (table[at] == UINT32_MAX) table[at] = quint32(i);
     first[i] = table[at];
   }
@@ -370,7 +370,7 @@ bool FileCopier::KindsIn(const QString& folder, const std::vector<QByteArray>& n
       case DT_CHR:
       case DT_BLK: info.kind = NodeInfo::kDevice; break;
       default:  // folders (maybe mount points) and unknown types are looked at in full
-        info = StatAt(fd, names[i]);
+        info = StatAt(fd, QByteArray(names[i].data(), qsizetype(names[i].size())));
         continue;
     }
     info.device = dir.st_dev;

@@ -3,6 +3,7 @@
 #include <QStringList>
 #include <QtGlobal>
 #include <functional>
+#include <string_view>
 #include <vector>
 
 namespace platform {
@@ -78,7 +79,8 @@ class FileCopier {
   // Files, links and the like carry only their kind and the folder's device;
   // folders are looked at in full. False when the folder cannot be read or
   // holds far more than the names: then look them up one by one.
-  static bool KindsIn(const QString& folder, const std::vector<QByteArray>& names, std::vector<NodeInfo>* infos);
+  static bool KindsIn(const QString& folder, const std::vector<std::string_view>& names,
+                      std::vector<NodeInfo>* infos);
   // A folder's descriptor for StatAt and the *At renames, or -1 (then
   // callers use full paths).
   static int OpenFolder(const QString& folder);

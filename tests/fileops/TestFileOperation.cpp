@@ -302,8 +302,10 @@ class TestFileOperation : public QObject {
     const QStringList names{"file.txt", "sub", "link", "pipe", "gone", "file.txt"};
     std::vector<QByteArray> natives;
     for (const QString& n : names) natives.push_back(platform::ToNative(n));
+    std::vector<std::string_view> views;
+    for (const QByteArray& n : natives) views.emplace_back(n.constData(), size_t(n.size()));
     std::vector<NodeInfo> infos;
-    QVERIFY(FileCopier::KindsIn(d, natives, &infos));
+    QVERIFY(FileCopier::KindsIn(d, views, &infos));
     QCOMPARE(infos.size(), size_t(names.size()));
     for (qsizetype i = 0; i < names.size(); ++i) {
       const NodeInfo whole = FileCopier::Stat(d + u'/' + names[i]);

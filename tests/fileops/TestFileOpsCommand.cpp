@@ -56,6 +56,10 @@ class TestFileOpsCommand : public QObject {
       QVERIFY(testsupport::MakeFile(from + u'/' + Name(i), Name(i).toUtf8()));
       args << from + u'/' + Name(i);
     }
+    // Paths are cleaned however they are spelt; the rows show them clean.
+    args[1] = from + "/./" + Name(0);
+    args[2] = from + "//" + Name(1);
+    args[3] = from + "/../from/" + Name(2);
     if (missing) args << from + "/gone.txt";
     args << to;
     const Run run = Quorvane(args);
