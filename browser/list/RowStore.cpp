@@ -92,10 +92,12 @@ RowId RowStore::addText(TextRowData data) {
 
 quint32 RowStore::internFolder(const QString& folder) {
   if (!folders_.empty() && folders_.back() == folder) return quint32(folders_.size() - 1);
-  const auto it = folderIndex_.constFind(folder);
-  if (it != folderIndex_.constEnd()) return *it;
+  const auto key = [](const QString& text) { return std::u16string_view(QStringView(text).utf16(), size_t(text.size())); };
+  const auto it = folderIndex_.find(key(folder));
+  if (it != folderIndex_.end()) return it->second;
   folders_.push_back(folder);
-  folderIndex_.insert(folder, quint32(folders_.size() - 1));
+  // The key views the stored copy's text, which lives as long as the store.
+  folderIndex_.emplace(key(folders_.back()), quint32(folders_.size() - 1));
   return quint32(folders_.size() - 1);
 }
 
@@ -140,7 +142,7 @@ size_t RowStore::memoryBytes() const {
   size_t bytes = files_.capacity() * sizeof(FileRow) + chunks_.size() * kChunkUnits * sizeof(char16_t) +
                  chunks_.capacity() * sizeof(void*);
   for (const QString& f : folders_) bytes += sizeof(QString) + size_t(f.capacity()) * 2 + 40;
-  bytes += size_t(folderIndex_.capacity()) * 32;
+  bytes += folderIndex_.bucket_count() * sizeof(void*) + folderIndex_.size() * 40;
   for (const TypeInfo& t : types_) bytes += sizeof(TypeInfo) + size_t(t.name.capacity() + t.folded.capacity()) * 2;
   for (const TextRow& t : texts_) {
     bytes += sizeof(TextRow);
