@@ -103,6 +103,14 @@ QString MountTmpfs(const QString& at, const char* options, unsigned long flags =
   return at;
 }
 
+// Takes a test's mount away when the test ends, however it ends.
+struct Unmount {
+  QString at;
+  ~Unmount() {
+    if (!at.isEmpty()) ::umount2(platform::ToNative(at).constData(), MNT_DETACH);
+  }
+};
+
 }  // namespace
 
 class TestFileOperation : public QObject {
@@ -176,12 +184,7 @@ class TestFileOperation : public QObject {
       targetRoot = MountTmpfs(root + "/mnt", "size=256k", flags);
       if (targetRoot.isEmpty()) QSKIP("this machine does not allow a tmpfs mount");
     }
-    struct Unmount {
-      QString at;
-      ~Unmount() {
-        if (!at.isEmpty() && at != QString()) ::umount2(platform::ToNative(at).constData(), MNT_DETACH);
-      }
-    } unmount{targetRoot == root ? QString() : targetRoot};
+    const Unmount unmount{targetRoot == root ? QString() : targetRoot};
 
     const QString src = root + "/src";
     const QString dst = targetRoot + (fault == u"read-only target" ? "" : "/dst");
@@ -329,12 +332,7 @@ class TestFileOperation : public QObject {
       dst = MountTmpfs(dst, "size=4m");
       if (dst.isEmpty()) QSKIP("this machine does not allow a tmpfs mount");
     }
-    struct Unmount {
-      QString at;
-      ~Unmount() {
-        if (!at.isEmpty()) ::umount2(platform::ToNative(at).constData(), MNT_DETACH);
-      }
-    } unmount{across ? dst : QString()};
+    const Unmount unmount{across ? dst : QString()};
     QVERIFY(QDir().mkpath(dst));
     QStringList sources;
     for (int i = 0; i < 600; ++i) {
