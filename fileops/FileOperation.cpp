@@ -118,6 +118,41 @@ bool KindsFromFolder(const QStringList& sources, quint64 targetDevice, std::vect
   return FileCopier::DeviceOf(folder) == targetDevice && FileCopier::KindsIn(folder, names, found);
 }
 
+// Looks at every source; a large selection is shared out over the cores,
+// one slice of at least kParallelLookFrom / 2 each. A selection comes from
+// one folder: its names are looked up relative to it.
+void StatAll(const QStringList& sources, std::vector<NodeInfo>* found) {
+  const auto statRange = [&sources, found](qsizetype from, qsizetype to) {
+    QString held;
+    int heldFd = -1;
+    QByteArray native;
+    for (qsizetype i = from; i < to; ++i) {
+      const QString& source = sources[i];
+      QStringView parent, name;
+      Split(source, &parent, &name);
+      const int parentFd = PlainName(source, name) ? HeldFolder(&held, &heldFd, parent) : -1;
+      if (parentFd >= 0) platform::ToNative(name, &native);
+      (*found)[size_t(i)] = parentFd >= 0 ? FileCopier::StatAt(parentFd, native) : FileCopier::Stat(source);
+    }
+    FileCopier::CloseFolder(heldFd);
+  };
+  const qsizetype n = sources.size();
+  const qsizetype parts = n < kParallelLookFrom ? 1
+                          : std::clamp<qsizetype>(n / (kParallelLookFrom / 2), 1,
+                                                  qsizetype(std::max(1u, std::thread::hardware_concurrency())));
+  std::vector<std::thread> helpers;
+  for (qsizetype part = 1; part < parts; ++part) {
+    const qsizetype from = n * part / parts, to = n * (part + 1) / parts;
+    try {
+      helpers.emplace_back(statRange, from, to);
+    } catch (const std::system_error&) {
+      statRange(from, to);
+    }
+  }
+  statRange(0, n / parts);
+  for (std::thread& helper : helpers) helper.join();
+}
+
 qint64 Now() {
   static QElapsedTimer timer;
   if (!timer.isValid()) timer.start();
@@ -168,7 +203,6 @@ QString FileOperation::KeepBothName(const QString& folder, const QString& name) 
   }
 }
 
-
 QString FileOperation::CheckRequest(const QStringList& sources, const QString& targetFolder, bool move,
                                    std::vector<NodeInfo>* infos, bool kindsOnly) {
   const QString target = FileCopier::RealPath(targetFolder);
@@ -178,40 +212,9 @@ QString FileOperation::CheckRequest(const QStringList& sources, const QString& t
   std::vector<NodeInfo> own;
   std::vector<NodeInfo>& found = infos ? *infos : own;
   found.assign(size_t(sources.size()), NodeInfo());
-  // A selection comes from one folder: its names are looked up relative to it.
-  const auto statRange = [&sources, &found](qsizetype from, qsizetype to) {
-    QString held;
-    int heldFd = -1;
-    QByteArray native;
-    for (qsizetype i = from; i < to; ++i) {
-      const QString& source = sources[i];
-      QStringView parent, name;
-      Split(source, &parent, &name);
-      const int parentFd = PlainName(source, name) ? HeldFolder(&held, &heldFd, parent) : -1;
-      if (parentFd >= 0) platform::ToNative(name, &native);
-      found[size_t(i)] = parentFd >= 0 ? FileCopier::StatAt(parentFd, native) : FileCopier::Stat(source);
-    }
-    FileCopier::CloseFolder(heldFd);
-  };
-  // Every source is looked at before anything is done; a large selection is
-  // shared out over the cores, one slice of at least kParallelLookFrom / 2 each.
+  // Every source is looked at before anything is done.
   const qsizetype n = sources.size();
-  if (!(kindsOnly && KindsFromFolder(sources, targetInfo.device, &found))) {
-  const qsizetype parts = n < kParallelLookFrom ? 1
-                          : std::clamp<qsizetype>(n / (kParallelLookFrom / 2), 1,
-                                                  qsizetype(std::max(1u, std::thread::hardware_concurrency())));
-  std::vector<std::thread> helpers;
-  for (qsizetype part = 1; part < parts; ++part) {
-    const qsizetype from = n * part / parts, to = n * (part + 1) / parts;
-    try {
-      helpers.emplace_back(statRange, from, to);
-    } catch (const std::system_error&) {
-      statRange(from, to);
-    }
-  }
-  statRange(0, n / parts);
-  for (std::thread& helper : helpers) helper.join();
-  }
+  if (!(kindsOnly && KindsFromFolder(sources, targetInfo.device, &found))) StatAll(sources, &found);
   for (qsizetype i = 0; i < n; ++i) {
     const NodeInfo& info = found[size_t(i)];
     if (info.kind == NodeInfo::kMissing)

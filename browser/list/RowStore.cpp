@@ -92,7 +92,9 @@ RowId RowStore::addText(TextRowData data) {
 
 quint32 RowStore::internFolder(const QString& folder) {
   if (!folders_.empty() && folders_.back() == folder) return quint32(folders_.size() - 1);
-  const auto key = [](const QString& text) { return std::u16string_view(QStringView(text).utf16(), size_t(text.size())); };
+  const auto key = [](const QString& text) {
+    return std::u16string_view(QStringView(text).utf16(), size_t(text.size()));
+  };
   const auto it = folderIndex_.find(key(folder));
   if (it != folderIndex_.end()) return it->second;
   folders_.push_back(folder);
