@@ -118,9 +118,9 @@ bool KindsFromFolder(const QStringList& sources, quint64 targetDevice, std::vect
   return FileCopier::DeviceOf(folder) == targetDevice && FileCopier::KindsIn(folder, names, found);
 }
 
-// Looks at every source; a large selection is shared out over the cores,
-// one slice of at least kParallelLookFrom / 2 each. A selection comes from
-// one folder: its names are looked up relative to it.
+// Fills `found` with what each source is; a large selection is shared out
+// over the cores, one slice of at least kParallelLookFrom / 2 each. A
+// selection comes from one folder: its names are looked up relative to it.
 void StatAll(const QStringList& sources, std::vector<NodeInfo>* found) {
   const auto statRange = [&sources, found](qsizetype from, qsizetype to) {
     QString held;
@@ -137,6 +137,7 @@ void StatAll(const QStringList& sources, std::vector<NodeInfo>* found) {
     FileCopier::CloseFolder(heldFd);
   };
   const qsizetype n = sources.size();
+  found->assign(size_t(n), NodeInfo());
   const qsizetype parts = n < kParallelLookFrom ? 1
                           : std::clamp<qsizetype>(n / (kParallelLookFrom / 2), 1,
                                                   qsizetype(std::max(1u, std::thread::hardware_concurrency())));
@@ -211,7 +212,6 @@ QString FileOperation::CheckRequest(const QStringList& sources, const QString& t
     return QStringLiteral("The target folder does not exist: %1").arg(platform::DisplayText(targetFolder));
   std::vector<NodeInfo> own;
   std::vector<NodeInfo>& found = infos ? *infos : own;
-  found.assign(size_t(sources.size()), NodeInfo());
   // Every source is looked at before anything is done.
   const qsizetype n = sources.size();
   if (!(kindsOnly && KindsFromFolder(sources, targetInfo.device, &found))) StatAll(sources, &found);
