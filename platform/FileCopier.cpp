@@ -14,6 +14,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/FolderTypes.h"
 #include "platform/NativePath.h"
 
 namespace platform {
@@ -314,55 +315,16 @@ bool FileCopier::KindsIn(const QString& folder, const std::vector<std::string_vi
   const int fd = ::open(ToNative(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   if (fd < 0) return false;
   struct stat dir {};
-  if (::fstat(fd, &dir) != 0) {
+  std::vector<unsigned char> types;
+  if (::fstat(fd, &dir) != 0 || !FolderTypes(fd, names, &types)) {
     ::close(fd);
     return false;
-  }
-  // An open-addressed table of the names (an index per slot, the first of
-  // equal names), and each name's directory type: 0xff for one not met (yet).
-  size_t slots = 16;
-  while (slots < 2 * names.size()) slots *= 2;
-  std::vector<quint32> table(slots, UINT32_MAX);
-  std::vector<quint32> first(names.size());
-  std::vector<unsigned char> type(names.size(), 0xff);
-  const auto slotOf = [&](std::string_view name) {
-    size_t at = std::hash<std::string_view>()(name) & (slots - 1);
-    while (table[at] != UINT32_MAX && names[table[at]] != name)
-      at = (at + 1) & (slots - 1);
-    return at;
-  };
-  for (size_t i = 0; i < names.size(); ++i) {
-    const size_t at = slotOf(names[i]);
-    if (table[at] == UINT32_MAX) table[at] = quint32(i);
-    first[i] = table[at];
-  }
-  // A few names of a huge folder are cheaper looked up one by one.
-  const size_t most = 8 * names.size() + 4096;
-  size_t seen = 0;
-  alignas(struct dirent64) char buffer[65536];
-  for (;;) {
-    const ssize_t n = ::getdents64(fd, buffer, sizeof buffer);
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0 || (seen += size_t(n) / 24) > most) {  // 24 bytes: the smallest entry
-      ::close(fd);
-      return false;
-    }
-    if (n == 0) break;
-    for (ssize_t at = 0; at < n;) {
-      const auto* e = reinterpret_cast<const struct dirent64*>(buffer + at);
-      at += e->d_reclen;
-      const quint32 i = table[slotOf(std::string_view(e->d_name))];
-      if (i != UINT32_MAX) type[i] = e->d_type;
-    }
   }
   infos->assign(names.size(), NodeInfo());
   for (size_t i = 0; i < names.size(); ++i) {
     NodeInfo& info = (*infos)[i];
-    if (type[first[i]] == 0xff) {
-      info.error = ENOENT;
-      continue;
-    }
-    switch (type[first[i]]) {
+    switch (types[i]) {
+      case kNotInFolder: info.error = ENOENT; continue;
       case DT_REG: info.kind = NodeInfo::kFile; break;
       case DT_LNK: info.kind = NodeInfo::kLink; break;
       case DT_FIFO: info.kind = NodeInfo::kFifo; break;
