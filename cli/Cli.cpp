@@ -68,7 +68,7 @@ bool NeedsFullProgram(const QStringList& args) {
   return false;
 }
 
-int RunCli(const QStringList& args) {
+int RunCli(const QStringList& args, qint64 movedBefore) {
   QTextStream out(stdout);
   QTextStream err(stderr);
   out.setEncoding(QStringConverter::Utf8);
@@ -97,7 +97,7 @@ int RunCli(const QStringList& args) {
         err << "quorvane: the command '" << name << "' is not part of this program\n";
         return kExitUsage;
       }
-      CliContext ctx{rest, out, err, ini};
+      CliContext ctx{rest, out, err, ini, movedBefore};
       const int status = run(ctx);
       out.flush();
       err.flush();

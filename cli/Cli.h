@@ -12,7 +12,8 @@ bool IsCliInvocation(const QStringList& args);
 bool NeedsFullProgram(const QStringList& args);
 
 // Runs `quorvane [--ini FILE] COMMAND ...` (args without the program name)
-// and returns the exit status.
-int RunCli(const QStringList& args);
+// and returns the exit status. `movedBefore`: a move whose first sources the
+// lean front end moved already; these are the rest.
+int RunCli(const QStringList& args, qint64 movedBefore = 0);
 
 }  // namespace cli

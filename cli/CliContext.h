@@ -12,6 +12,7 @@ struct CliContext {
   QTextStream& out;
   QTextStream& err;
   QString iniFile;  // from the global --ini option, empty if not given
+  qint64 movedBefore = 0;  // a move continued from the lean front end: sources it moved
 };
 
 // Exit statuses: 0 done, 1 the work failed, 2 bad input (message on err).

@@ -156,12 +156,14 @@ int RunTransfer(CliContext& ctx, bool move) {
   options.move = move;
   options.dryRun = p.isSet(QStringLiteral("dry-run"));
   options.onConflict = policy;
+  options.sourcesMayBeGone = ctx.movedBefore > 0;
   InterruptGuard guard;
   RowSink sink(ctx.out);
   FileOperation op(&sink, nullptr, core::JobFlags::AbortFlag(), options);
   // A request that must not start (folder into itself, missing target) is refused before any row.
-  const FileOpResult result = op.run(sources, target);
+  FileOpResult result = op.run(sources, target);
   sink.finish();
+  result.moved += ctx.movedBefore;
   if (!result.refusal.isEmpty()) {
     ctx.err << "quorvane " << name << ": " << result.refusal << '\n';
     return kExitUsage;

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "fileops/SourcePrefetcher.h"
+#include "fileops/TransferStatus.h"
 #include "platform/NativePath.h"
 #include "platform/SafeRename.h"
 
@@ -164,16 +165,7 @@ qint64 Now() {
 
 QString FileOpResult::status(bool move) const {
   if (!refusal.isEmpty()) return refusal;
-  QString text = move ? QStringLiteral("Moved %1").arg(moved + copied) : QStringLiteral("Copied %1").arg(copied);
-  text += (move ? moved + copied : copied) == 1 ? QStringLiteral(" item") : QStringLiteral(" items");
-  if (created) text += QStringLiteral(", %1 folder%2 created").arg(created).arg(created == 1 ? "" : "s");
-  text += QStringLiteral(", %1 skipped, %2 failed.").arg(skipped).arg(failed);
-  if (stopped) {
-    text += QStringLiteral(" Stopped by the user: ");
-    text += notDone >= 0 ? QStringLiteral("%1 not %2.").arg(notDone).arg(move ? "moved" : "copied")
-                         : QStringLiteral("the rest was not %1.").arg(move ? "moved" : "copied");
-  }
-  return text;
+  return QString::fromStdString(TransferStatus({copied, moved, created, skipped, failed, notDone, stopped}, move));
 }
 
 FileOperation::FileOperation(FileOpSink* sink, std::function<void()> yield, const std::atomic<bool>& abort,
@@ -205,7 +197,7 @@ QString FileOperation::KeepBothName(const QString& folder, const QString& name) 
 }
 
 QString FileOperation::CheckRequest(const QStringList& sources, const QString& targetFolder, bool move,
-                                   std::vector<NodeInfo>* infos, bool kindsOnly) {
+                                   std::vector<NodeInfo>* infos, bool kindsOnly, bool missingRefuses) {
   const QString target = FileCopier::RealPath(targetFolder);
   const NodeInfo targetInfo = target.isEmpty() ? NodeInfo() : FileCopier::Stat(target);
   if (targetInfo.kind != NodeInfo::kFolder)
@@ -217,7 +209,7 @@ QString FileOperation::CheckRequest(const QStringList& sources, const QString& t
   if (!(kindsOnly && KindsFromFolder(sources, targetInfo.device, &found))) StatAll(sources, &found);
   for (qsizetype i = 0; i < n; ++i) {
     const NodeInfo& info = found[size_t(i)];
-    if (info.kind == NodeInfo::kMissing)
+    if (info.kind == NodeInfo::kMissing && missingRefuses)
       return QStringLiteral("The source does not exist: %1").arg(platform::DisplayText(sources[i]));
     if (info.kind != NodeInfo::kFolder) continue;
     // The source itself is not resolved: a link to a folder is copied as a link.
@@ -237,7 +229,8 @@ FileOpResult FileOperation::run(const QStringList& sources, const QString& targe
   // A move that renames needs only what each source is; progress by bytes
   // and dry runs need sizes.
   const bool kindsOnly = options_.move && !options_.countFirst && !options_.dryRun;
-  result_.refusal = CheckRequest(sources, targetFolder, options_.move, &infos, kindsOnly);
+  result_.refusal =
+      CheckRequest(sources, targetFolder, options_.move, &infos, kindsOnly, !options_.sourcesMayBeGone);
   if (!result_.refusal.isEmpty()) return result_;
   if (options_.countFirst) {
     progress_.bytesTotal = progress_.filesTotal = 0;
@@ -439,7 +432,8 @@ void FileOperation::node(const QString& source, const QString& targetFolder, con
   // which saves a look per file; folders, backups and dry runs look first.
   const bool lookFirst = info.kind == NodeInfo::kFolder || options_.onlyNewer || options_.dryRun;
   if (lookFirst) {
-    const NodeInfo there = at.target >= 0 && at.native ? FileCopier::StatAt(at.target, *at.native) : FileCopier::Stat(target);
+    const NodeInfo there =
+        at.target >= 0 && at.native ? FileCopier::StatAt(at.target, *at.native) : FileCopier::Stat(target);
     if (there.kind != NodeInfo::kMissing) {
       if (settle(source, targetFolder, info, there, &name, &target, &overwrite, &merge) != Step::kGo) return;
     }

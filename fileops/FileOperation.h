@@ -25,6 +25,9 @@ struct FileOpOptions {
   // False: the folders inside the sources are left out (the sources' own files go).
   bool recurse = true;
   qint64 blockSize = 0;  // 0: the copier's default
+  // The rest of a request whose first sources went already: one gone since
+  // fails on its own instead of refusing the rest.
+  bool sourcesMayBeGone = false;
 };
 
 struct FileOpResult {
@@ -61,7 +64,8 @@ class FileOperation {
   // `infos`, when given, receives what each source is (the job needs it next);
   // with `kindsOnly` a file's size, times and permissions may be left out.
   static QString CheckRequest(const QStringList& sources, const QString& targetFolder, bool move,
-                              std::vector<platform::NodeInfo>* infos = nullptr, bool kindsOnly = false);
+                              std::vector<platform::NodeInfo>* infos = nullptr, bool kindsOnly = false,
+                              bool missingRefuses = true);
 
  private:
   enum class Step { kGo, kSkip, kStop };
