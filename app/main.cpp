@@ -1,48 +1,54 @@
-#include <QCoreApplication>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstring>
+#include <dlfcn.h>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
-#include "cli/Cli.h"
-#include "platform/NativePath.h"
+#include "cli/QuickMove.h"
 
 namespace {
 
-// The full program lies beside this one, wherever it was started from.
-std::string FullProgramPath() {
+using CliMain = int (*)(int argc, char** argv, long long movedBefore);
+
+// The command-line engines, in a library beside this program.
+int RunCommands(std::vector<const char*> argv, long long movedBefore) {
   char self[PATH_MAX];
   const ssize_t n = ::readlink("/proc/self/exe", self, sizeof self - 1);
-  if (n <= 0) return "quorvane-gui";
-  std::string path(self, size_t(n));
+  std::string path = n > 0 ? std::string(self, size_t(n)) : std::string();
   path.resize(path.rfind('/') + 1);
-  return path + "quorvane-gui";
+  path += "quorvane-cli.so";
+  void* library = ::dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);
+  const auto run = library ? reinterpret_cast<CliMain>(::dlsym(library, "QuorvaneCliMain")) : nullptr;
+  if (!run) {
+    std::fprintf(stderr, "quorvane: cannot load %s: %s\n", path.c_str(), ::dlerror());
+    return 127;
+  }
+  argv.push_back(nullptr);
+  return run(int(argv.size() - 1), const_cast<char**>(argv.data()), movedBefore);
 }
 
 }  // namespace
 
-// The lean front end: commands that need QtCore only run here and start in a
-// few milliseconds; the window and the picture and media commands are handed
-// to quorvane-gui, which loads the window system's libraries.
+// The lean front end, free of Qt: a plain move is a few renames, done before
+// a single library of Qt is loaded; everything else goes to the engines.
 int main(int argc, char** argv) {
-  QStringList args;
-  args.reserve(argc);
-  // Arguments are bytes, like file names: those that are not UTF-8 must still name the right file.
-  for (int i = 1; i < argc; ++i) args.append(platform::FromNative(argv[i], qsizetype(strlen(argv[i]))));
-
-  if (cli::IsCliInvocation(args) && !cli::NeedsFullProgram(args)) {
-    QCoreApplication app(argc, argv);
-    const int code = cli::RunCli(args);
-    // Everything is written and every thread joined: the process ends here
-    // without freeing what it made (a selection of 10,000 names is a
-    // millisecond of destructors and unmapping).
-    std::fflush(nullptr);
-    ::_exit(code);
+  const std::vector<const char*> all(argv, argv + argc);
+  cli::QuickMove move;
+  switch (move.run(std::vector<const char*>(all.begin() + 1, all.end()))) {
+    case cli::QuickMove::Outcome::kDone:
+      std::fflush(nullptr);
+      ::_exit(move.exitCode());
+    case cli::QuickMove::Outcome::kHandedOver:
+      if (move.moved() > 0) {
+        std::vector<const char*> rest{argv[0]};
+        rest.insert(rest.end(), move.rest().begin(), move.rest().end());
+        return RunCommands(rest, move.moved());
+      }
+      break;
+    case cli::QuickMove::Outcome::kDeclined: break;
   }
-  const std::string full = FullProgramPath();
-  ::execv(full.c_str(), argv);
-  std::fprintf(stderr, "quorvane: cannot start %s: %s\n", full.c_str(), std::strerror(errno));
-  return 127;
+  return RunCommands(all, 0);
 }

@@ -1,7 +1,10 @@
 // `quorvane copy|move` as a script sees them: one row per item in the job's
 // order, however many (rows of large jobs are written on a thread of their
 // own), the summary after the last row, and a refused selection untouched.
+// A plain move, done by the front end without the engines, must end exactly
+// as the engines would have ended it.
 #include <QDir>
+#include <QDirIterator>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
@@ -16,9 +19,11 @@ struct Run {
   QString err;
 };
 
-Run Quorvane(const QStringList& args) {
+Run Quorvane(const QStringList& args, const QString& folder = QString(),
+             const QString& program = QStringLiteral(QUORVANE_BINARY)) {
   QProcess p;
-  p.start(QStringLiteral(QUORVANE_BINARY), args);
+  p.setWorkingDirectory(folder);
+  p.start(program, args);
   p.waitForFinished(60000);
   QStringList rows = QString::fromUtf8(p.readAllStandardOutput()).split(u'\n');
   if (!rows.isEmpty() && rows.back().isEmpty()) rows.removeLast();
@@ -26,6 +31,23 @@ Run Quorvane(const QStringList& args) {
 }
 
 QString Name(int i) { return QStringLiteral("f%1.txt").arg(i, 4, 10, QChar(u'0')); }
+
+// Every file and folder under `root` with its bytes, and the run's output,
+// with `root` spelt ROOT: twin trees compare equal.
+QStringList Snapshot(const QString& root, const Run& run) {
+  QStringList all{QString::number(run.code), run.err};
+  all += run.rows;
+  QDirIterator it(root, QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden | QDir::System,
+                  QDirIterator::Subdirectories);
+  while (it.hasNext()) {
+    const QFileInfo info(it.next());
+    QFile f(info.filePath());
+    const QByteArray bytes = info.isDir() || !f.open(QIODevice::ReadOnly) ? QByteArray() : f.readAll();
+    all << info.filePath() + (info.isDir() ? QString() : u':' + QString::fromUtf8(bytes));
+  }
+  std::sort(all.begin() + 2 + run.rows.size(), all.end());
+  return all.replaceInStrings(root, QStringLiteral("ROOT"));
+}
 
 }  // namespace
 
@@ -82,6 +104,59 @@ class TestFileOpsCommand : public QObject {
     }
     QCOMPARE(QFile::exists(from + u'/' + Name(0)), command == u"copy");
     QVERIFY2(run.err.contains(QString::number(kItems)), qPrintable(run.err));
+  }
+
+  // Each request is made three times on twin trees: plainly, with an option
+  // (which always goes to the engines) and by the front end alone, without
+  // the engines' library beside it. "quick": the front end does it all;
+  // "declined": it leaves everything untouched; "handed over": it moves the
+  // first sources and the engines settle the rest.
+  void plainMove_data() {
+    QTest::addColumn<QStringList>("args");
+    QTest::addColumn<QString>("route");
+    const QString e = QStringLiteral("from/\u00e9 b.txt");
+    QTest::newRow("files and a folder, relative") << QStringList{"from/a.txt", e, "from/sub", "to/"} << "quick";
+    QStringList many;
+    for (int i = 0; i < 600; ++i) many << "from/many/" + Name(i);
+    QTest::newRow("600 names of one folder and a folder") << (many + QStringList{"from/sub", "to"}) << "quick";
+    QTest::newRow("a taken name midway") << QStringList{"from/a.txt", "from/taken.txt", "from/sub", "to"}
+                                         << "handed over";
+    QTest::newRow("a source given twice") << QStringList{"from/a.txt", "from/a.txt", "to"} << "handed over";
+    QTest::newRow("already there") << QStringList{"to/taken.txt", "to"} << "handed over";
+    QTest::newRow("a missing source") << QStringList{"from/a.txt", "from/none", "to"} << "declined";
+    QTest::newRow("600 names, one missing") << (many + QStringList{"from/many/none", "to"}) << "declined";
+    QTest::newRow("a folder into itself") << QStringList{"from/sub", "from/sub"} << "declined";
+    QTest::newRow("a name rows escape") << QStringList{"from/tab\tname", "to"} << "declined";
+    QTest::newRow("a path to clean") << QStringList{"from/../from/a.txt", "to"} << "declined";
+  }
+  void plainMove() {
+    QFETCH(QStringList, args);
+    QFETCH(QString, route);
+    QTemporaryDir dir;
+    // The front end alone, as if its library were missing.
+    const QString lone = dir.filePath("lone/quorvane");
+    QVERIFY(QDir().mkpath(dir.filePath("lone")) && QFile::copy(QStringLiteral(QUORVANE_BINARY), lone));
+    QStringList results;
+    for (const char* twin : {"plain", "option", "alone"}) {
+      const QString root = dir.filePath(twin);
+      for (const char* name : {"from/a.txt", "from/\u00e9 b.txt", "from/sub/in.txt", "from/taken.txt", "to/taken.txt",
+                               "from/tab\tname"})
+        QVERIFY(testsupport::MakeFile(root + u'/' + QString::fromUtf8(name), name));
+      for (int i = 0; i < 600; ++i) QVERIFY(testsupport::MakeFile(root + "/from/many/" + Name(i), Name(i).toUtf8()));
+      const QStringList before = Snapshot(root, {});
+      const bool alone = twin == std::string_view("alone");
+      const QStringList given = twin == std::string_view("option") ? QStringList{"--on-conflict", "skip"} + args : args;
+      const Run run = Quorvane(QStringList{"move"} + given, root, alone ? lone : QStringLiteral(QUORVANE_BINARY));
+      const QStringList after = Snapshot(root, run);
+      if (alone && route != u"quick") {
+        QCOMPARE(run.code, 127);
+        if (route == u"declined") QCOMPARE(after.mid(2 + run.rows.size()), before.mid(2));
+      } else {
+        results << after.join(u'\n');
+      }
+    }
+    QCOMPARE(results[0], results[1]);
+    if (route == u"quick") QCOMPARE(results[0], results[2]);
   }
 };
 
