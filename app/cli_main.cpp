@@ -1,6 +1,5 @@
 #include <QCoreApplication>
 #include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <string>
@@ -8,20 +7,7 @@
 
 #include "cli/Cli.h"
 #include "platform/NativePath.h"
-
-namespace {
-
-// The window's program lies beside this one, wherever it was started from.
-std::string FullProgramPath() {
-  char self[PATH_MAX];
-  const ssize_t n = ::readlink("/proc/self/exe", self, sizeof self - 1);
-  if (n <= 0) return "quorvane-gui";
-  std::string path(self, size_t(n));
-  path.resize(path.rfind('/') + 1);
-  return path + "quorvane-gui";
-}
-
-}  // namespace
+#include "platform/ProgramFolder.h"
 
 // The commands that need QtCore only, loaded by the lean front end when it
 // does not do the work itself. The window and the picture and media
@@ -43,7 +29,8 @@ extern "C" __attribute__((visibility("default"))) int QuorvaneCliMain(int argc, 
     std::fflush(nullptr);
     ::_exit(code);
   }
-  const std::string full = FullProgramPath();
+  // The window's program lies beside this one.
+  const std::string full = platform::ProgramFolder() + "quorvane-gui";
   ::execv(full.c_str(), argv);
   std::fprintf(stderr, "quorvane: cannot start %s: %s\n", full.c_str(), std::strerror(errno));
   return 127;

@@ -1,5 +1,4 @@
 #include <cerrno>
-#include <climits>
 #include <cstdio>
 #include <cstring>
 #include <dlfcn.h>
@@ -8,6 +7,7 @@
 #include <vector>
 
 #include "cli/QuickMove.h"
+#include "platform/ProgramFolder.h"
 
 namespace {
 
@@ -15,11 +15,7 @@ using CliMain = int (*)(int argc, char** argv, long long movedBefore);
 
 // The command-line engines, in a library beside this program.
 int RunCommands(std::vector<const char*> argv, long long movedBefore) {
-  char self[PATH_MAX];
-  const ssize_t n = ::readlink("/proc/self/exe", self, sizeof self - 1);
-  std::string path = n > 0 ? std::string(self, size_t(n)) : std::string();
-  path.resize(path.rfind('/') + 1);
-  path += "quorvane-cli.so";
+  const std::string path = platform::ProgramFolder() + "quorvane-cli.so";
   void* library = ::dlopen(path.c_str(), RTLD_LAZY | RTLD_LOCAL);
   const auto run = library ? reinterpret_cast<CliMain>(::dlsym(library, "QuorvaneCliMain")) : nullptr;
   if (!run) {

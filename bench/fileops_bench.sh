@@ -31,8 +31,10 @@ import json, sys
 r = {x["command"]: x for x in json.load(open(sys.argv[1]))["results"]}
 q, t = r[sys.argv[2]]["mean"], r[sys.argv[3]]["mean"]
 cq, ct = (r[n]["user"] + r[n]["system"] for n in sys.argv[2:4])
-print(f"{sys.argv[2]:>17} / {sys.argv[3]:<16} {q:8.3f} s / {t:8.3f} s = {q / t:5.2f}"
-      f"   (CPU {cq:.3f} s / {ct:.3f} s)")
+# Jobs of a few milliseconds are shown in milliseconds.
+scale, unit = (1e3, "ms") if t < 1 else (1, "s")
+print(f"{sys.argv[2]:>17} / {sys.argv[3]:<16} {q * scale:8.3f} {unit} / {t * scale:8.3f} {unit} = {q / t:5.2f}"
+      f"   (CPU {cq * scale:.3f} {unit} / {ct * scale:.3f} {unit})")
 PY
 }
 
@@ -46,7 +48,8 @@ ratio "$json" quorvane-copy cp-a
 # run. What users move is a selection: the entries of a flat folder, named
 # one by one (the shell expands the same list for both), into another folder.
 # Beside it the move of one folder tree, a single rename on both sides, which
-# measures little but the start of each program.
+# measures little but the start of each program: timed without a shell,
+# whose own start would be most of it.
 flat=$work/flat
 [[ -d $flat ]] || python3 "$here/make_corpus.py" --files "${FLAT_FILES:-10000}" --depth 0 --seed 1602 "$flat" >/dev/null
 hyperfine -r "$runs" --export-json "$json" --prepare "rm -rf $work/m $out; mkdir -p $work/m $out; cp -al $flat $work/m/flat" \
@@ -54,7 +57,8 @@ hyperfine -r "$runs" --export-json "$json" --prepare "rm -rf $work/m $out; mkdir
   -n mv-sel "mv $work/m/flat/* $out/" >/dev/null
 ratio "$json" quorvane-move-sel mv-sel
 
-hyperfine -r "$runs" --export-json "$json" --prepare "rm -rf $work/m $out; mkdir -p $work/m $out; cp -al $corpus $work/m/tree" \
+hyperfine -N -r "$runs" --export-json "$json" \
+  --prepare "bash -c 'rm -rf $work/m $out; mkdir -p $work/m $out; cp -al $corpus $work/m/tree'" \
   -n quorvane-move "$quorvane move $work/m/tree $out" \
   -n mv "mv $work/m/tree $out/" >/dev/null
 ratio "$json" quorvane-move mv
