@@ -115,15 +115,12 @@ QAction* FileOpsRunner::Add(const QString& text, const char* name, const QString
 QString FileOpsRunner::folder() const { return window_->listFolder(); }
 
 void FileOpsRunner::Refresh(const QString& focus) {
-  window_->menus()->menRefresh->trigger();
-  if (focus.isEmpty()) return;
+  // What was selected and is still there stays selected; what a job put
+  // into this folder is shown instead.
   CRellList* list = window_->list();
-  for (int p = 0; p < list->model().rowCount(); ++p) {
-    if (list->model().path(list->model().rowAt(p)) == focus) {
-      list->setFocusPosition(p);
-      break;
-    }
-  }
+  const QStringList selection = focus.isEmpty() ? list->selectedPaths() : QStringList{focus};
+  window_->menus()->menRefresh->trigger();
+  list->selectPaths(selection);
 }
 
 void FileOpsRunner::FillFavouriteMenu(bool move) {

@@ -6,7 +6,6 @@
 #include <QHash>
 #include <QMenu>
 #include <QMessageBox>
-#include <QSet>
 
 #include "browser/MainMenus.h"
 #include "browser/StatusLine.h"
@@ -24,19 +23,6 @@ namespace {
 
 using fileops::RenameItem;
 using fileops::RenameSpecial;
-
-// Selects the rows of `paths` (the first gets the focus) in one pass over the list.
-void SelectPaths(CRellList* list, const QStringList& paths) {
-  const QSet<QString> wanted(paths.begin(), paths.end());
-  ListModel& model = list->model();
-  std::vector<int> positions;
-  for (int p = 0; p < model.rowCount(); ++p)
-    if (wanted.contains(model.path(model.rowAt(p)))) positions.push_back(p);
-  if (positions.empty()) return;
-  list->setFocusPosition(positions.front());
-  for (size_t i = 1; i < positions.size(); ++i) model.toggleSelectedAt(positions[i]);
-  list->refresh();
-}
 
 QString Refusals(const std::vector<RenameItem>& items) {
   QStringList lines;
@@ -109,7 +95,7 @@ void RenameRunner::Execute(std::vector<RenameItem>* items, QStringList selection
 
   // One fill shows every new name in its sorted place.
   window_->menus()->menRefresh->trigger();
-  SelectPaths(window_->list(), selection);
+  window_->list()->selectPaths(selection);
 
   QString status = QStringLiteral("%1 renamed, %2 refused.").arg(result.renamed).arg(result.refused);
   if (result.stopped) status += QStringLiteral(" Stopped.");

@@ -10,6 +10,7 @@
 #include <QMimeData>
 #include <QPainter>
 #include <QScrollBar>
+#include <QSet>
 #include <QStyle>
 #include <QStyleOptionFocusRect>
 #include <QUrl>
@@ -200,6 +201,17 @@ QStringList CRellList::selectedPaths() const {
   QStringList out;
   for (int p : model_.selectedPositions()) out.append(model_.path(model_.rowAt(p)));
   return out;
+}
+
+void CRellList::selectPaths(const QStringList& paths) {
+  const QSet<QString> wanted(paths.begin(), paths.end());
+  std::vector<int> positions;
+  for (int p = 0; p < model_.rowCount(); ++p)
+    if (wanted.contains(model_.path(model_.rowAt(p)))) positions.push_back(p);
+  if (positions.empty()) return;
+  setFocusPosition(positions.front());
+  for (size_t i = 1; i < positions.size(); ++i) model_.toggleSelectedAt(positions[i]);
+  refresh();
 }
 
 void CRellList::afterMove(bool byKey) {

@@ -85,6 +85,9 @@ class CRellList : public QAbstractScrollArea {
   void setFocusPosition(int position);
   QString focusPath() const;
   QStringList selectedPaths() const;
+  // Selects the rows of `paths` that are listed (the first gets the focus),
+  // in one pass over the list: a selection kept across a refill.
+  void selectPaths(const QStringList& paths);
   int rowHeight() const { return rowHeight_; }
   // Cell texts made by the last paint (its cost must not grow with the rows).
   quint64 lastPaintCells() const { return lastPaintCells_; }

@@ -60,8 +60,11 @@ class TestFileOpsWindow : public QObject {
     int hit = -1;
     for (int p = 0; p < w.list()->model().rowCount() && onFolderRow; ++p)
       if (w.list()->model().path(w.list()->model().rowAt(p)) == to + "/inner") hit = p;
+    w.list()->selectPaths({to + "/inner"});
     Q_EMIT w.list()->Drop({dir_.path() + "/from/a.txt"}, Qt::DropAction(action), hit);
     const QString target = onFolderRow ? to + "/inner/a.txt" : to + "/a.txt";
+    // The refilled list keeps the selection, or shows what came into its folder.
+    QCOMPARE(w.list()->selectedPaths(), QStringList{onFolderRow ? to + "/inner" : target});
     QCOMPARE(Read(target), QByteArray("aaa"));
     QCOMPARE(QFile::exists(dir_.path() + "/from/a.txt"), action == Qt::CopyAction);
     if (!onFolderRow) QVERIFY(Listed(w, target));
