@@ -1,8 +1,6 @@
 #include "browser/ListMenuRunner.h"
 
 #include <QAction>
-#include <QApplication>
-#include <QClipboard>
 #include <QMenu>
 #include <QMessageBox>
 #include <QPointer>
@@ -16,8 +14,6 @@
 #include "browser/frmMain.h"
 #include "browser/list/CRellList.h"
 #include "core/ListModes.h"
-#include "core/NumberFormat.h"
-#include "fileinfo/modVerStringInfo.h"
 
 namespace browser {
 
@@ -37,10 +33,9 @@ ListMenuRunner::ListMenuRunner(frmMain* window) : QObject(window), window_(windo
   menOpen = NewAction(this, QStringLiteral("&Open\tEnter"), "menOpen");
   menRename = NewAction(this, QStringLiteral("Rena&me\tF2"), "menRename");
   menProperties = NewAction(this, QStringLiteral("P&roperties"), "menProperties");
-  menCopyInfo = NewAction(this, QStringLiteral("Copy &Info"), "menCopyInfo");
   MainMenus* m = window->menus();
   QAction* first = m->menFile->actions().value(0);
-  m->menFile->insertActions(first, {menOpen, menRename, menProperties, menCopyInfo});
+  m->menFile->insertActions(first, {menOpen, menRename, menProperties});
   m->menFile->insertSeparator(first);
   connect(m->menFile, &QMenu::aboutToShow, this, &ListMenuRunner::UpdateActions);
 
@@ -48,7 +43,6 @@ ListMenuRunner::ListMenuRunner(frmMain* window) : QObject(window), window_(windo
   connect(menOpen, &QAction::triggered, list, &CRellList::openFocus);
   connect(menRename, &QAction::triggered, list, [list] { list->startRename(); });
   connect(menProperties, &QAction::triggered, this, &ListMenuRunner::ShowProperties);
-  connect(menCopyInfo, &QAction::triggered, this, &ListMenuRunner::CopyInfo);
   connect(list, &CRellList::QueryRename, this, &ListMenuRunner::Rename);
   connect(list, &CRellList::QueryPopup, this, [this](int hit, const QPoint& at, bool) { Popup(hit, at); });
 }
@@ -64,7 +58,8 @@ void ListMenuRunner::UpdateActions() {
   menOpen->setEnabled(rows);
   menRename->setEnabled(files && list->model().selectedCount() <= 1);
   menProperties->setEnabled(files);
-  menCopyInfo->setEnabled(files);
+  // "Copy Info" is the report's, next to "Copy Extended Info" in the File menu.
+  if (QAction* info = Action("menCopyInfo")) info->setEnabled(files);
 }
 
 void ListMenuRunner::BuildPopup(QMenu* menu, int hit) {
@@ -93,7 +88,7 @@ void ListMenuRunner::BuildPopup(QMenu* menu, int hit) {
   add("menDelete");
   menu->addSeparator();
   menu->addAction(menProperties);
-  menu->addAction(menCopyInfo);
+  add("menCopyInfo");
 }
 
 void ListMenuRunner::Popup(int hit, const QPoint& globalPos) {
@@ -126,30 +121,6 @@ void ListMenuRunner::ShowProperties() {
   window_->tabs()->setCurrentIndex(CTabCtrl::kTabGeneral);
   if (!window_->menus()->menShowPanel->isChecked()) window_->menus()->menShowPanel->trigger();
   Q_EMIT window_->InfoRefresh(path, CTabCtrl::kTabGeneral);
-}
-
-void ListMenuRunner::CopyInfo() {
-  // One line a selected file: name, size in bytes, modified time as the list
-  // shows it, and the file version where the file has one.
-  const CRellList* list = window_->list();
-  const ListModel& model = list->model();
-  std::vector<int> positions = model.selectedPositions();
-  if (positions.empty() && model.rowCount() > 0) positions.push_back(model.focus());
-  QString text;
-  for (int p : positions) {
-    const RowId id = model.rowAt(p);
-    const QString path = model.path(id);
-    text += model.dataText(id, core::kSlotName) + u'\t' + core::FormatNumber(model.sizeOf(id), u"#,0") +
-            QStringLiteral(" bytes\t") + model.dataText(id, core::kSlotModified);
-    if (!model.isFolder(id))
-      text += modVerStringInfo::GetFileVersionText(window_->settings().report.optRepFver, path, QStringLiteral("\tver "));
-    text += u'\n';
-  }
-  if (text.isEmpty()) return;
-  QClipboard* clipboard = QApplication::clipboard();
-  clipboard->clear();
-  clipboard->setText(text);
-  window_->statusLine()->ShowStatus(QStringLiteral("Info copied: ") + core::CountPhrase(double(positions.size()), u"file"));
 }
 
 }  // namespace browser

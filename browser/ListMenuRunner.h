@@ -29,12 +29,10 @@ class ListMenuRunner : public QObject {
   QAction* menOpen;
   QAction* menRename;
   QAction* menProperties;
-  QAction* menCopyInfo;
 
  private:
   QAction* Action(const char* name) const;
   void UpdateActions();
-  void CopyInfo();
   void ShowProperties();
 
   frmMain* window_;
