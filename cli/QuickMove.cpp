@@ -1,5 +1,6 @@
 #include "cli/QuickMove.h"
 
+#include <algorithm>
 #include <climits>
 #include <csignal>
 #include <cstdio>
@@ -93,7 +94,6 @@ int OpenFolder(const std::string& path, int flags) { return ::open(path.c_str(),
 // Rows are written in large pieces: a selection of thousands is one write per 64 KiB.
 class RowWriter {
  public:
-  ~RowWriter() { flush(); }
   void moved(const std::string& source, const std::string& folder, std::string_view name) {
     text_ += "moved\t";
     text_ += source;
@@ -130,10 +130,9 @@ bool QuickMove::check(const std::vector<const char*>& args) {
   if (args.size() < 3 || std::strcmp(args[0], "move") != 0) return false;
   for (size_t i = 1; i < args.size(); ++i)
     if (args[i][0] == '-') return false;
-  std::string cwd;
-  for (size_t i = 1; i < args.size(); ++i) {
-    if (args[i][0] != '/' && cwd.empty() && (cwd = WorkingFolder()).empty()) return false;
-  }
+  // Asked for only when a path is relative; Absolute refuses those without it.
+  const bool relative = std::any_of(args.begin() + 1, args.end(), [](const char* a) { return a[0] != '/'; });
+  const std::string cwd = relative ? WorkingFolder() : std::string();
   if (!Absolute(args.back(), cwd, &target_)) return false;
   targetFd_ = OpenFolder(target_, O_PATH);
   struct stat st {};
@@ -168,7 +167,7 @@ bool QuickMove::checkGroup(size_t first, size_t end) {
     return false;
   }
   std::vector<std::string_view> names;
-  for (size_t i = first; i < end; ++i) names.push_back(std::string_view(sources_[i].path).substr(sources_[i].nameAt));
+  for (size_t i = first; i < end; ++i) names.emplace_back(sources_[i].name());
   std::vector<unsigned char> types;
   if (names.size() < kFolderReadFrom || !platform::FolderTypes(fd, names, &types))
     types.assign(names.size(), DT_UNKNOWN);
@@ -178,9 +177,9 @@ bool QuickMove::checkGroup(size_t first, size_t end) {
     // Other kinds share their folder's file system; a folder may be a mount point.
     if (!ok || (types[i] != DT_DIR && types[i] != DT_UNKNOWN)) continue;
     struct stat st {};
-    const std::string name(names[i]);
-    if (::fstatat(fd, name.c_str(), &st, AT_SYMLINK_NOFOLLOW) != 0 || st.st_dev != targetDevice_) ok = false;
-    else if (S_ISDIR(st.st_mode)) {
+    if (::fstatat(fd, sources_[first + i].name(), &st, AT_SYMLINK_NOFOLLOW) != 0 || st.st_dev != targetDevice_) {
+      ok = false;
+    } else if (S_ISDIR(st.st_mode)) {
       if (realTarget_.empty() && (realTarget_ = RealPath(target_)).empty()) ok = false;
       const std::string real = RealPath(sources_[first + i].path);
       if (real.empty() || realTarget_ == real || realTarget_.starts_with(real + '/')) ok = false;
@@ -207,9 +206,8 @@ QuickMove::Outcome QuickMove::rename(const std::vector<const char*>& args) {
       fd = OpenFolder(folders_[s.group], O_PATH);
       fdGroup = s.group;
     }
-    const char* name = s.path.c_str() + s.nameAt;
-    if (fd < 0 || ::renameat2(fd, name, targetFd_, name, RENAME_NOREPLACE) != 0) break;
-    rows.moved(s.path, target_, name);
+    if (fd < 0 || ::renameat2(fd, s.name(), targetFd_, s.name(), RENAME_NOREPLACE) != 0) break;
+    rows.moved(s.path, target_, s.name());
     ++counts.moved;
   }
   if (fd >= 0) ::close(fd);

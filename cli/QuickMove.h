@@ -32,6 +32,7 @@ class QuickMove {
     std::string path;  // absolute and clean
     size_t nameAt = 0;  // where its name starts in `path`
     size_t group = 0;   // index of its folder in folders_
+    const char* name() const { return path.c_str() + nameAt; }
   };
   bool check(const std::vector<const char*>& args);
   bool checkGroup(size_t first, size_t end);
